@@ -4,6 +4,7 @@
 
 #include "lumcore.h"
 #include "lumcv.h"
+#include "support/noalloc.h"
 
 extern "C" int lumcvHeaderCompilesAsC(void);
 
@@ -22,7 +23,9 @@ TEST(Version, RecordHoldsTheModulesNumbersAndTexts) {
     EXPECT_STREQ(v->buildDate, "Apr 25 2024");
 }
 
-TEST(Version, EveryCallReturnsTheSameConstantRecord) { EXPECT_EQ(lumcvGetLibVersion(), lumcvGetLibVersion()); }
+TEST(Version, EveryCallReturnsTheSameConstantRecord) {
+    EXPECT_EQ(LUMTEST_NOALLOC(lumcvGetLibVersion, ()), lumcvGetLibVersion());
+}
 
 TEST(Version, FieldsStandInTheirOrder) {
     EXPECT_EQ(offsetof(LumLibraryVersion, major), 0u);
