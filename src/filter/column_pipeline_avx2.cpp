@@ -208,8 +208,8 @@ struct Column16u {
     float r;
 
     __m256i half(const Src* const* rows, int x) const {
-        __m256 acc = _mm256_mul_ps(c[0], load8f(rows[0] + x));
-        for (int i = 1; i < k; ++i) acc = _mm256_fmadd_ps(c[i], load8f(rows[i] + x), acc);
+        __m256 acc = _mm256_mul_ps(_mm256_loadu_ps(reinterpret_cast<const float*>(c)), load8f(rows[0] + x));
+        for (int i = 1; i < k; ++i) acc = _mm256_fmadd_ps(_mm256_loadu_ps(reinterpret_cast<const float*>(c + i)), load8f(rows[i] + x), acc);
         acc = _mm256_mul_ps(acc, _mm256_set1_ps(r));
         acc = _mm256_min_ps(_mm256_max_ps(acc, _mm256_setzero_ps()), _mm256_set1_ps(65535.0f));
         return _mm256_cvtps_epi32(acc);

@@ -307,16 +307,19 @@ struct Row16sGeneral {
 
 // Float lanes: the first product, then fused multiply-adds in tap order
 // (k = 3 for 32f: the middle tap first, then taps 0 and 2).
+// Splatted coefficients sit 16-byte aligned in the 16u buffer: loaded unaligned.
+inline __m256 coefAt(const __m256* c, int i) { return _mm256_loadu_ps(reinterpret_cast<const float*>(c + i)); }
+
 template <int C, int K, class T>
 inline __m256 floatTaps(const T* p, int k, const __m256* c) {
     if constexpr (K == 3 && std::is_same_v<T, Lum32f>) {
-        __m256 acc = _mm256_mul_ps(c[1], load8f(p + C));
-        acc = _mm256_fmadd_ps(c[0], load8f(p), acc);
-        return _mm256_fmadd_ps(c[2], load8f(p + 2 * C), acc);
+        __m256 acc = _mm256_mul_ps(coefAt(c, 1), load8f(p + C));
+        acc = _mm256_fmadd_ps(coefAt(c, 0), load8f(p), acc);
+        return _mm256_fmadd_ps(coefAt(c, 2), load8f(p + 2 * C), acc);
     } else {
         const int n = K ? K : k;
-        __m256 acc = _mm256_mul_ps(c[0], load8f(p));
-        for (int i = 1; i < n; ++i) acc = _mm256_fmadd_ps(c[i], load8f(p + i * C), acc);
+        __m256 acc = _mm256_mul_ps(coefAt(c, 0), load8f(p));
+        for (int i = 1; i < n; ++i) acc = _mm256_fmadd_ps(coefAt(c, i), load8f(p + i * C), acc);
         return acc;
     }
 }
