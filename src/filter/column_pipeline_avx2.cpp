@@ -190,6 +190,8 @@ void column16sFamily(const Lum16s* const* srcRows, typename Out::Dst* dst, int d
         for (int i = 0; i < k; ++i) c[i] = r * static_cast<float>(kernel[i]);
     if (k == 5) {
         run16sFamily<Out, Taps16s<Sum16s::TapOrder, 5>, true>(srcRows, dst, dstStep, sh, {c, kernel, r, 5});
+    } else if (k == 7) {
+        run16sFamily<Out, Taps16s<Sum16s::TapOrder, 7>, true>(srcRows, dst, dstStep, sh, {c, kernel, r, 7});
     } else {
         run16sFamily<Out, Taps16s<Sum16s::TapOrder, 0>, true>(srcRows, dst, dstStep, sh,
                                                               {stored ? c : nullptr, kernel, r, k});
@@ -198,6 +200,7 @@ void column16sFamily(const Lum16s* const* srcRows, typename Out::Dst* dst, int d
 
 // ------------------------------------------------------------ 16u
 
+template <int K>
 struct Column16u {
     using Src = Lum16u;
     using Dst = Lum16u;
@@ -208,6 +211,7 @@ struct Column16u {
     float r;
 
     __m256i half(const Src* const* rows, int x) const {
+        const int k = K ? K : this->k;
         __m256 acc = _mm256_mul_ps(_mm256_loadu_ps(reinterpret_cast<const float*>(c)), load8f(rows[0] + x));
         for (int i = 1; i < k; ++i) acc = _mm256_fmadd_ps(_mm256_loadu_ps(reinterpret_cast<const float*>(c + i)), load8f(rows[i] + x), acc);
         acc = _mm256_mul_ps(acc, _mm256_set1_ps(r));
@@ -218,6 +222,7 @@ struct Column16u {
         store16(q, packOrdered16u(half(rows, x), half(rows, x + 8)));
     }
     Dst one(const Src* const* rows, int x) const {
+        const int k = K ? K : this->k;
         float acc = static_cast<float>(kernel[0]) * static_cast<float>(rows[0][x]);
         for (int i = 1; i < k; ++i) acc = std::fma(static_cast<float>(kernel[i]), static_cast<float>(rows[i][x]), acc);
         return static_cast<Dst>(cvtNearest(clampTo(acc * r, 0.0f, 65535.0f)));
@@ -228,7 +233,7 @@ struct Column16u {
 
 enum class Sum32f { Three, Fused, Plain };
 
-template <Sum32f Form>
+template <Sum32f Form, int K = 0>
 struct Column32f {
     using Src = Lum32f;
     using Dst = Lum32f;
@@ -238,6 +243,7 @@ struct Column32f {
     const __m256* c;
 
     void vec(const Src* const* rows, int x, Dst* q) const {
+        const int k = K ? K : this->k;
         __m256 acc;
         if constexpr (Form == Sum32f::Three) {
             acc = _mm256_mul_ps(c[1], _mm256_loadu_ps(rows[1] + x));
@@ -253,6 +259,7 @@ struct Column32f {
         _mm256_storeu_ps(q, acc);
     }
     Dst one(const Src* const* rows, int x) const {
+        const int k = K ? K : this->k;
         if constexpr (Form == Sum32f::Three) {
             float acc = kernel[1] * rows[1][x];
             acc = std::fma(kernel[0], rows[0][x], acc);
@@ -268,7 +275,7 @@ struct Column32f {
 
 // ------------------------------------------------------------ Low_16s
 
-template <bool Scaled>
+template <bool Scaled, int K = 0>
 struct ColumnLow {
     using Src = Lum16s;
     using Dst = Lum16s;
@@ -278,6 +285,7 @@ struct ColumnLow {
     int16_t scale;
 
     void vec(const Src* const* rows, int x, Dst* q) const {
+        const int k = K ? K : this->k;
         __m256i s = _mm256_mullo_epi16(load16x16(rows[0] + x), _mm256_set1_epi16(kernel[0]));
         for (int i = 1; i < k; ++i)
             s = _mm256_add_epi16(s, _mm256_mullo_epi16(load16x16(rows[i] + x), _mm256_set1_epi16(kernel[i])));
@@ -290,12 +298,22 @@ struct ColumnLow {
         store16(q, s);
     }
     Dst one(const Src* const* rows, int x) const {
+        const int k = K ? K : this->k;
         uint16_t s = 0;
         for (int i = 0; i < k; ++i) s = static_cast<uint16_t>(s + wrapMul(kernel[i], rows[i][x]));
         if (!Scaled) return static_cast<Dst>(s);
         return sat16((static_cast<int16_t>(s) * scale) >> 14);
     }
 };
+
+template <bool Scaled>
+void runLow(const Lum16s* const* srcRows, Lum16s* dst, int dstStep, const ColumnShape& sh, const Lum16s* kernel,
+            int16_t scale) {
+    if (sh.k == 3) columnDriver(srcRows, dst, dstStep, sh, ColumnLow<Scaled, 3>{kernel, 3, scale});
+    else if (sh.k == 5) columnDriver(srcRows, dst, dstStep, sh, ColumnLow<Scaled, 5>{kernel, 5, scale});
+    else if (sh.k == 7) columnDriver(srcRows, dst, dstStep, sh, ColumnLow<Scaled, 7>{kernel, 7, scale});
+    else columnDriver(srcRows, dst, dstStep, sh, ColumnLow<Scaled, 0>{kernel, sh.k, scale});
+}
 
 }  // namespace
 
@@ -317,7 +335,11 @@ void columnPipeline_16u(const Lum16u* const* srcRows, Lum16u* dst, int dstStep, 
     Carver carve(buffer, 16);
     __m256* c = carve.take<__m256>(32 * sh.k);
     for (int i = 0; i < sh.k; ++i) _mm256_storeu_ps(reinterpret_cast<float*>(c + i), _mm256_set1_ps(kernel[i]));
-    columnDriver(srcRows, dst, dstStep, sh, Column16u{kernel, sh.k, c, 1.0f / static_cast<float>(divisor)});
+    const float r = 1.0f / static_cast<float>(divisor);
+    if (sh.k == 3) columnDriver(srcRows, dst, dstStep, sh, Column16u<3>{kernel, 3, c, r});
+    else if (sh.k == 5) columnDriver(srcRows, dst, dstStep, sh, Column16u<5>{kernel, 5, c, r});
+    else if (sh.k == 7) columnDriver(srcRows, dst, dstStep, sh, Column16u<7>{kernel, 7, c, r});
+    else columnDriver(srcRows, dst, dstStep, sh, Column16u<0>{kernel, sh.k, c, r});
 }
 
 void columnPipeline_32f(const Lum32f* const* srcRows, Lum32f* dst, int dstStep, const ColumnShape& sh,
@@ -326,18 +348,16 @@ void columnPipeline_32f(const Lum32f* const* srcRows, Lum32f* dst, int dstStep, 
     __m256* c = carve.take<__m256>(32 * sh.k);
     for (int i = 0; i < sh.k; ++i) c[i] = _mm256_set1_ps(kernel[i]);
     if (sh.k == 3) columnDriver(srcRows, dst, dstStep, sh, Column32f<Sum32f::Three>{kernel, 3, c});
-    else if (sh.k == 5) columnDriver(srcRows, dst, dstStep, sh, Column32f<Sum32f::Fused>{kernel, 5, c});
+    else if (sh.k == 5) columnDriver(srcRows, dst, dstStep, sh, Column32f<Sum32f::Fused, 5>{kernel, 5, c});
+    else if (sh.k == 7) columnDriver(srcRows, dst, dstStep, sh, Column32f<Sum32f::Plain, 7>{kernel, 7, c});
     else columnDriver(srcRows, dst, dstStep, sh, Column32f<Sum32f::Plain>{kernel, sh.k, c});
 }
 
 void columnPipeline_Low_16s(const Lum16s* const* srcRows, Lum16s* dst, int dstStep, const ColumnShape& sh,
                             const Lum16s* kernel, int divisor, void*) {
-    if (divisor == 1) {
-        columnDriver(srcRows, dst, dstStep, sh, ColumnLow<false>{kernel, sh.k, 0});
-    } else {
-        const int16_t scale = static_cast<int16_t>(cvtTrunc(16384.0f / static_cast<float>(divisor)));
-        columnDriver(srcRows, dst, dstStep, sh, ColumnLow<true>{kernel, sh.k, scale});
-    }
+    const int16_t scale = static_cast<int16_t>(cvtTrunc(16384.0f / static_cast<float>(divisor)));
+    if (divisor == 1) runLow<false>(srcRows, dst, dstStep, sh, kernel, scale);
+    else runLow<true>(srcRows, dst, dstStep, sh, kernel, scale);
 }
 
 }  // namespace lum::kernel

@@ -257,7 +257,7 @@ struct Row16sK5Float {
 // Other lengths: 32-bit sums of four taps each (wrapping), converted to
 // float and added group after group; times r, clamp, nearest. The strip
 // columns form float products and add them in tap order.
-template <int C>
+template <int C, int K>
 struct Row16sGeneral {
     using Src = Lum16s;
     using Dst = Lum16s;
@@ -276,7 +276,7 @@ struct Row16sGeneral {
         __m256i lo = _mm256_setzero_si256(), hi = lo;
         __m256 flo = _mm256_setzero_ps(), fhi = flo;
         bool first = true;
-        pairSums<C>(p, k, pairs, lo, hi, [&](__m256i& l, __m256i& h) {
+        pairSums<C>(p, K ? K : k, pairs, lo, hi, [&](__m256i& l, __m256i& h) {
             const __m256 gl = _mm256_cvtepi32_ps(l), gh = _mm256_cvtepi32_ps(h);
             flo = first ? gl : _mm256_add_ps(flo, gl);
             fhi = first ? gh : _mm256_add_ps(fhi, gh);
@@ -287,6 +287,7 @@ struct Row16sGeneral {
     }
     Dst fin(float acc) const { return static_cast<Dst>(cvtNearest(clampTo(acc * r, -32768.0f, 32767.0f))); }
     Dst one(const Src* p) const {
+        const int k = K ? K : this->k;
         float acc = 0.0f;
         for (int g = 0; g < k; g += 4) {
             uint32_t s = 0;
@@ -297,6 +298,7 @@ struct Row16sGeneral {
         return fin(acc);
     }
     Dst edge(const Src* p) const {
+        const int k = K ? K : this->k;
         float acc = static_cast<float>(kernel[0]) * static_cast<float>(p[0]);
         for (int i = 1; i < k; ++i) acc = acc + static_cast<float>(kernel[i]) * static_cast<float>(p[i * C]);
         return fin(acc);
@@ -464,6 +466,10 @@ void row8u16s(const Lum8u* src, int srcStep, Lum16s* const* dstRows, const RowSh
         rowDriver(src, srcStep, dstRows, sh, value, strip, Row8u16s<C, 5, true>{kernel, 5, pairs, r});
     else if (sh.k == 5)
         rowDriver(src, srcStep, dstRows, sh, value, strip, Row8u16s<C, 5, false>{kernel, 5, pairs, r});
+    else if (sh.k == 7 && wide)
+        rowDriver(src, srcStep, dstRows, sh, value, strip, Row8u16s<C, 7, true>{kernel, 7, pairs, r});
+    else if (sh.k == 7)
+        rowDriver(src, srcStep, dstRows, sh, value, strip, Row8u16s<C, 7, false>{kernel, 7, pairs, r});
     else if (wide)
         rowDriver(src, srcStep, dstRows, sh, value, strip, Row8u16s<C, 0, true>{kernel, sh.k, pairs, r});
     else
@@ -496,7 +502,10 @@ void row16s(const Lum16s* src, int srcStep, Lum16s* const* dstRows, const RowSha
         }
         return;
     }
-    rowDriver(src, srcStep, dstRows, sh, value, strip, Row16sGeneral<C>{kernel, sh.k, pairs, r});
+    if (sh.k == 7)
+        rowDriver(src, srcStep, dstRows, sh, value, strip, Row16sGeneral<C, 7>{kernel, 7, pairs, r});
+    else
+        rowDriver(src, srcStep, dstRows, sh, value, strip, Row16sGeneral<C, 0>{kernel, sh.k, pairs, r});
 }
 
 template <int C>
@@ -511,6 +520,8 @@ void row16u(const Lum16u* src, int srcStep, Lum16u* const* dstRows, const RowSha
         rowDriver(src, srcStep, dstRows, sh, value, strip, Row16u<C, 3, true>{kernel, 3, c, r});
     else if (sh.k == 5)
         rowDriver(src, srcStep, dstRows, sh, value, strip, Row16u<C, 5, true>{kernel, 5, c, r});
+    else if (sh.k == 7)
+        rowDriver(src, srcStep, dstRows, sh, value, strip, Row16u<C, 7, false>{kernel, 7, c, r});
     else
         rowDriver(src, srcStep, dstRows, sh, value, strip, Row16u<C, 0, false>{kernel, sh.k, c, r});
 }
@@ -526,6 +537,8 @@ void row32f(const Lum32f* src, int srcStep, Lum32f* const* dstRows, const RowSha
         rowDriver(src, srcStep, dstRows, sh, value, strip, Row32f<C, 3>{kernel, 3, c});
     else if (sh.k == 5)
         rowDriver(src, srcStep, dstRows, sh, value, strip, Row32f<C, 5>{kernel, 5, c});
+    else if (sh.k == 7)
+        rowDriver(src, srcStep, dstRows, sh, value, strip, Row32f<C, 7>{kernel, 7, c});
     else
         rowDriver(src, srcStep, dstRows, sh, value, strip, Row32f<C, 0>{kernel, sh.k, c});
 }
@@ -559,6 +572,8 @@ void rowLow(const Lum16s* src, int srcStep, Lum16s* const* dstRows, const RowSha
         rowDriver(src, srcStep, dstRows, sh, value, strip, RowLow<C, 3>{kernel, 3, coef, scale});
     else if (sh.k == 5)
         rowDriver(src, srcStep, dstRows, sh, value, strip, RowLow<C, 5>{kernel, 5, coef, scale});
+    else if (sh.k == 7)
+        rowDriver(src, srcStep, dstRows, sh, value, strip, RowLow<C, 7>{kernel, 7, coef, scale});
     else
         rowDriver(src, srcStep, dstRows, sh, value, strip, RowLow<C, 0>{kernel, sh.k, coef, scale});
 }
