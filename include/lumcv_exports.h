@@ -77,6 +77,63 @@ LUM_EXPORT(LumStatus, lumiFilterColumnPipelineGetBufferSize_Low_16s_C1R, filterC
            (LumiSize roiSize, int kernelSize, int* bufferSize), (roiSize, kernelSize, bufferSize))
 LUM_EXPORT(LumStatus, lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R, filterColumnPipelineGetBufferSize_Low_16s_C3R,
            (LumiSize roiSize, int kernelSize, int* bufferSize), (roiSize, kernelSize, bufferSize))
+/*
+ * Column stage of the separable-filter pipeline. Output row y combines the
+ * rows srcRows[y .. y + kernelSize - 1] (kernelSize + height - 1 pointers, in
+ * vertical order; the caller repeats pointers for the vertical border):
+ *   dst[y][x] = F(sum over i of kernel[i] * srcRows[y + i][x]), a correlation.
+ * F, with r = 1.0f / (float)divisor:
+ *   16s, 16s8s, 16s8u: float, c[i] = r * kernel[i], products added in tap
+ *     order unfused (3 taps with kernel[0] == kernel[2]: c[0] * (row0 + row2)
+ *     first); clamp to 16 bits, round to nearest even, then saturate to the
+ *     result type. 16s8s truncates the last (width x channels) mod 4 samples.
+ *   16u: fused multiply-add in tap order, times r, clamp 0..65535, nearest.
+ *   32f: k = 3: k1*r1, then fma k0*r0, then fma k2*r2; k = 5: fma in tap order
+ *     after the first product; other k: first product, then unfused
+ *     multiply and add in tap order.
+ *   Low_16s: 16-bit products and sum wrapping modulo 65536; divisor 1 stores
+ *     the sum, otherwise saturate((sum * trunc(16384.0f / divisor)) >> 14).
+ * Checks: null srcRows/dst/kernel, ROI, the row pointers (before kernelSize
+ * is validated), kernelSize, dstStep (Low_16s C3R against 2 * width bytes
+ * only), dstStep alignment, null buffer, divisor 0 (lumStatusBadArgument).
+ * Reads exactly width x channels samples of each row pointer.
+ */
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_16s8s_C1R, filterColumnPipeline_16s8s_C1R,
+           (const Lum16s* const* srcRows, Lum8s* dst, int dstStep, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_16s8s_C3R, filterColumnPipeline_16s8s_C3R,
+           (const Lum16s* const* srcRows, Lum8s* dst, int dstStep, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_16s8u_C1R, filterColumnPipeline_16s8u_C1R,
+           (const Lum16s* const* srcRows, Lum8u* dst, int dstStep, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_16s8u_C3R, filterColumnPipeline_16s8u_C3R,
+           (const Lum16s* const* srcRows, Lum8u* dst, int dstStep, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_16s_C1R, filterColumnPipeline_16s_C1R,
+           (const Lum16s* const* srcRows, Lum16s* dst, int dstStep, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_16s_C3R, filterColumnPipeline_16s_C3R,
+           (const Lum16s* const* srcRows, Lum16s* dst, int dstStep, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_16u_C1R, filterColumnPipeline_16u_C1R,
+           (const Lum16u* const* srcRows, Lum16u* dst, int dstStep, LumiSize roiSize, const Lum16u* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_16u_C3R, filterColumnPipeline_16u_C3R,
+           (const Lum16u* const* srcRows, Lum16u* dst, int dstStep, LumiSize roiSize, const Lum16u* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_32f_C1R, filterColumnPipeline_32f_C1R,
+           (const Lum32f* const* srcRows, Lum32f* dst, int dstStep, LumiSize roiSize, const Lum32f* kernel, int kernelSize, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_32f_C3R, filterColumnPipeline_32f_C3R,
+           (const Lum32f* const* srcRows, Lum32f* dst, int dstStep, LumiSize roiSize, const Lum32f* kernel, int kernelSize, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_Low_16s_C1R, filterColumnPipeline_Low_16s_C1R,
+           (const Lum16s* const* srcRows, Lum16s* dst, int dstStep, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterColumnPipeline_Low_16s_C3R, filterColumnPipeline_Low_16s_C3R,
+           (const Lum16s* const* srcRows, Lum16s* dst, int dstStep, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int divisor, Lum8u* buffer),
+           (srcRows, dst, dstStep, roiSize, kernel, kernelSize, divisor, buffer))
 LUM_EXPORT(LumStatus, lumiFilterRowBorderPipelineGetBufferSize_16s_C1R, filterRowBorderPipelineGetBufferSize_16s_C1R,
            (LumiSize roiSize, int kernelSize, int* bufferSize), (roiSize, kernelSize, bufferSize))
 LUM_EXPORT(LumStatus, lumiFilterRowBorderPipelineGetBufferSize_16s_C3R, filterRowBorderPipelineGetBufferSize_16s_C3R,
@@ -97,3 +154,64 @@ LUM_EXPORT(LumStatus, lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R, filt
            (LumiSize roiSize, int kernelSize, int* bufferSize), (roiSize, kernelSize, bufferSize))
 LUM_EXPORT(LumStatus, lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R, filterRowBorderPipelineGetBufferSize_Low_16s_C3R,
            (LumiSize roiSize, int kernelSize, int* bufferSize), (roiSize, kernelSize, bufferSize))
+/*
+ * Row stage of the separable-filter pipeline, with its own left and right
+ * borders. For each source row y:
+ *   dstRows[y][x] = F(sum over i of kernel[i] * B(x - xAnchor + i)), a
+ *   correlation, per channel; B is the row's sample inside the ROI and the
+ *   border rule outside: low code 1 replicate, 3 mirror (edge not repeated,
+ *   reflected again as often as a wide kernel needs), 6 borderValue; flag 64
+ *   reads the left side, 128 the right side from memory next to the ROI,
+ *   240 both. The vertical border is the caller's.
+ * F, with r = 1.0f / (float)divisor, nearest = round half to even:
+ *   8u16s: exact integer sum, times r, clamp to 16 bits; nearest for k = 3 or
+ *     width >= 256, truncation otherwise.
+ *   16s: k = 3: fma(r, fma(k2, x2, k1*x1), (r*x0)*k0), clamp, nearest;
+ *     k = 5: 32-bit sum times r, nearest, saturate (width < 256 with sum of
+ *     |kernel| >= 65535: coefficients r*k[i], fma in tap order, clamp);
+ *     other k: 32-bit sums of four taps added in float (strip columns: float
+ *     products added in tap order), times r, clamp, nearest.
+ *   16u: fma in tap order, times r, clamp 0..65535; nearest for k = 3 and 5,
+ *     truncation otherwise.
+ *   32f: k = 3: k1*x1, fma k0*x0, fma k2*x2; other k: fma in tap order after
+ *     the first product.
+ *   Low_16s: interior columns: 16-bit wrapping sum, then
+ *     saturate((sum * trunc(16384.0f / divisor)) >> 14); strip columns: the
+ *     same with a 32-bit sum and product, low 16 bits, no saturation. C1R
+ *     with border 1, k = 5, anchor 2, symmetric taps, width > 10, divisor 16:
+ *     the 16-bit sum shifted right by 4 in every column.
+ * Checks: null src/dstRows/kernel/buffer, ROI, each dstRows[y], (C3R) null
+ * borderValue, kernelSize, xAnchor, srcStep, step alignment, divisor (16u:
+ * below 1; C1R 8u16s and C3R 16s test it after the border word), border word.
+ * Reads the ROI, plus the memory sides that the flags name.
+ */
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_16s_C1R, filterRowBorderPipeline_16s_C1R,
+           (const Lum16s* src, int srcStep, Lum16s* const* dstRows, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, Lum16s borderValue, int divisor, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_16s_C3R, filterRowBorderPipeline_16s_C3R,
+           (const Lum16s* src, int srcStep, Lum16s* const* dstRows, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, const Lum16s* borderValue, int divisor, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_16u_C1R, filterRowBorderPipeline_16u_C1R,
+           (const Lum16u* src, int srcStep, Lum16u* const* dstRows, LumiSize roiSize, const Lum16u* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, Lum16u borderValue, int divisor, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_16u_C3R, filterRowBorderPipeline_16u_C3R,
+           (const Lum16u* src, int srcStep, Lum16u* const* dstRows, LumiSize roiSize, const Lum16u* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, const Lum16u* borderValue, int divisor, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_32f_C1R, filterRowBorderPipeline_32f_C1R,
+           (const Lum32f* src, int srcStep, Lum32f* const* dstRows, LumiSize roiSize, const Lum32f* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, Lum32f borderValue, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, buffer))
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_32f_C3R, filterRowBorderPipeline_32f_C3R,
+           (const Lum32f* src, int srcStep, Lum32f* const* dstRows, LumiSize roiSize, const Lum32f* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, const Lum32f* borderValue, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, buffer))
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_8u16s_C1R, filterRowBorderPipeline_8u16s_C1R,
+           (const Lum8u* src, int srcStep, Lum16s* const* dstRows, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, Lum8u borderValue, int divisor, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_8u16s_C3R, filterRowBorderPipeline_8u16s_C3R,
+           (const Lum8u* src, int srcStep, Lum16s* const* dstRows, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, const Lum8u* borderValue, int divisor, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_Low_16s_C1R, filterRowBorderPipeline_Low_16s_C1R,
+           (const Lum16s* src, int srcStep, Lum16s* const* dstRows, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, Lum16s borderValue, int divisor, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
+LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_Low_16s_C3R, filterRowBorderPipeline_Low_16s_C3R,
+           (const Lum16s* src, int srcStep, Lum16s* const* dstRows, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, const Lum16s* borderValue, int divisor, Lum8u* buffer),
+           (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
