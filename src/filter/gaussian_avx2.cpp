@@ -31,27 +31,49 @@
 #include "frame/rows.h"
 #include "frame/simd.h"
 
+// The sums and their taps must inline into the row loops: a call per vector
+// would cost more than the arithmetic.
+#define LUM_INLINE inline __attribute__((always_inline))
+
 namespace lum::kernel {
 namespace {
 
 // ------------------------------------------------------------ the sum
 
-inline __m256 bcast(const float* w) { return _mm256_broadcast_ss(w); }
+LUM_INLINE __m256 bcast(const float* w) { return _mm256_broadcast_ss(w); }
 
-// R is the radius when known at compile time (1, 2, 3), 0 otherwise.
+// Weights broadcast to vectors: held in registers when the radius R is known
+// at compile time (1, 2, 3), broadcast from memory otherwise (R = 0). Stores
+// through vector types may alias anything, so values the loops need must not
+// live in memory that the compiler would reload after every store.
+template <int R>
+struct Weights {
+    __m256 v[R + 1];
+    explicit Weights(const float* w) {
+        for (int i = 0; i <= R; ++i) v[i] = _mm256_set1_ps(w[i]);
+    }
+    LUM_INLINE __m256 operator[](int i) const { return v[i]; }
+};
+template <>
+struct Weights<0> {
+    const float* w;
+    explicit Weights(const float* p) : w(p) {}
+    LUM_INLINE __m256 operator[](int i) const { return bcast(w + i); }
+};
+
 // Taps supply tap i (0 .. 2r) as a vector (v) or a scalar (s).
 template <int R, class Taps>
-inline __m256 symmetricSum(const Taps& t, const float* w, int r) {
+LUM_INLINE __m256 symmetricSum(const Taps& t, const Weights<R>& w, int r) {
     const int rad = R > 0 ? R : r;
     const int last = 2 * rad;
-    if (rad == 1) return _mm256_fmadd_ps(_mm256_add_ps(t.v(0), t.v(2)), bcast(w), _mm256_mul_ps(bcast(w + 1), t.v(1)));
-    __m256 acc = _mm256_mul_ps(_mm256_add_ps(t.v(0), t.v(last)), bcast(w));
-    for (int i = 1; i < rad; ++i) acc = _mm256_fmadd_ps(_mm256_add_ps(t.v(i), t.v(last - i)), bcast(w + i), acc);
-    return _mm256_fmadd_ps(t.v(rad), bcast(w + rad), acc);
+    if (rad == 1) return _mm256_fmadd_ps(_mm256_add_ps(t.v(0), t.v(2)), w[0], _mm256_mul_ps(w[1], t.v(1)));
+    __m256 acc = _mm256_mul_ps(_mm256_add_ps(t.v(0), t.v(last)), w[0]);
+    for (int i = 1; i < rad; ++i) acc = _mm256_fmadd_ps(_mm256_add_ps(t.v(i), t.v(last - i)), w[i], acc);
+    return _mm256_fmadd_ps(t.v(rad), w[rad], acc);
 }
 
 template <int R, class Taps>
-inline float symmetricSumScalar(const Taps& t, const float* w, int r) {
+LUM_INLINE float symmetricSumScalar(const Taps& t, const float* w, int r) {
     const int rad = R > 0 ? R : r;
     const int last = 2 * rad;
     if (rad == 1) return std::fma(t.s(0) + t.s(2), w[0], w[1] * t.s(1));
@@ -69,25 +91,25 @@ struct Sample;
 
 template <>
 struct Sample<Lum8u> {
-    static __m256 load8(const Lum8u* p) {
+    LUM_INLINE static __m256 load8(const Lum8u* p) {
         return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
     }
 };
 template <>
 struct Sample<Lum16u> {
-    static __m256 load8(const Lum16u* p) {
+    LUM_INLINE static __m256 load8(const Lum16u* p) {
         return _mm256_cvtepi32_ps(_mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
     }
 };
 template <>
 struct Sample<Lum16s> {
-    static __m256 load8(const Lum16s* p) {
+    LUM_INLINE static __m256 load8(const Lum16s* p) {
         return _mm256_cvtepi32_ps(_mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
     }
 };
 template <>
 struct Sample<Lum32f> {
-    static __m256 load8(const Lum32f* p) { return _mm256_loadu_ps(p); }
+    LUM_INLINE static __m256 load8(const Lum32f* p) { return _mm256_loadu_ps(p); }
 };
 
 inline int roundToInt(float v) { return _mm_cvtss_si32(_mm_set_ss(v)); }
@@ -175,12 +197,11 @@ struct Narrow<Lum16s, LowBits> {
     }
 };
 
-// Spare row to destination row. Streaming stores only where the row starts
-// on a 32-byte boundary; the bits are the same either way.
+// Spare row to destination row; nt: streaming stores, for rows that start on
+// a 32-byte boundary (the bits are the same either way).
 template <class T, bool LowBits>
-void narrowRow(const float* s, T* d, int n, bool bypass) {
+void narrowRow(const float* s, T* d, int n, bool nt) {
     using N = Narrow<T, LowBits>;
-    const bool nt = bypass && (reinterpret_cast<uintptr_t>(d) & 31) == 0;
     int x = 0;
     for (; x + N::wide <= n; x += N::wide) N::block(d + x, s + x, nt);
     for (; x + 8 <= n; x += 8) N::eight(d + x, s + x);
@@ -203,7 +224,7 @@ template <int C>
 struct RowTaps {
     const float* c;
     int rad;
-    __m256 v(int i) const { return _mm256_loadu_ps(c + (i - rad) * C); }
+    LUM_INLINE __m256 v(int i) const { return _mm256_loadu_ps(c + (i - rad) * C); }
 };
 
 // Taps of an edge sample: pixel x, channel ch; pixels left of the row come
@@ -214,7 +235,7 @@ struct EdgeTaps {
     const float* left;   // pixels -r .. -1
     const float* right;  // pixels width .. width + r - 1
     int width, x, ch, rad;
-    float s(int i) const {
+    LUM_INLINE float s(int i) const {
         const int p = x - rad + i;
         if (p < 0) return left[(p + rad) * C + ch];
         if (p >= width) return right[(p - width) * C + ch];
@@ -266,9 +287,13 @@ void rowPass(const T* srow, const void* valueIn, const RowContext& rc, float* ou
     // before it instead of reading past the interior.
     const int s0 = r * C, s1 = n - r * C;
     if (s1 - s0 >= 8) {
-        int s = s0;
-        for (; s + 8 <= s1; s += 8) _mm256_storeu_ps(out + s, symmetricSum<R>(RowTaps<C>{f + s, r}, rc.w, r));
-        if (s < s1) _mm256_storeu_ps(out + s1 - 8, symmetricSum<R>(RowTaps<C>{f + s1 - 8, r}, rc.w, r));
+        // The first vector starts at s0; the rest start on 8-sample (32-byte)
+        // boundaries of the ring row, overlapping the first.
+        const Weights<R> wv(rc.w);
+        _mm256_storeu_ps(out + s0, symmetricSum<R>(RowTaps<C>{f + s0, r}, wv, r));
+        int s = (s0 + 8) & ~7;
+        for (; s + 8 <= s1; s += 8) _mm256_store_ps(out + s, symmetricSum<R>(RowTaps<C>{f + s, r}, wv, r));
+        if (s < s1) _mm256_storeu_ps(out + s1 - 8, symmetricSum<R>(RowTaps<C>{f + s1 - 8, r}, wv, r));
     } else {
         for (int s = s0; s < s1; ++s) {
             out[s] = symmetricSumScalar<R>(EdgeTaps<C>{f, left, right, width, s / C, s % C, r}, rc.w, r);
@@ -289,38 +314,52 @@ void rowPass(const T* srow, const void* valueIn, const RowContext& rc, float* ou
 
 struct ColumnTaps {
     const float* const* rows;
-    int x;
-    __m256 v(int i) const { return _mm256_load_ps(rows[i] + x); }
+    ptrdiff_t x;
+    LUM_INLINE __m256 v(int i) const { return _mm256_load_ps(rows[i] + x); }
 };
 struct ColumnTapsMasked {
     const float* const* rows;
-    int x;
+    ptrdiff_t x;
     __m256i m;
-    __m256 v(int i) const { return _mm256_maskload_ps(rows[i] + x, m); }
+    LUM_INLINE __m256 v(int i) const { return _mm256_maskload_ps(rows[i] + x, m); }
 };
 
 // n float results of the k ring rows into out; streaming stores when asked
 // and out is 32-byte aligned (the spare row always is).
 template <int R>
-void columnPass(const float* const* rows, float* out, int n, const float* w, int r, bool bypass) {
+void columnPass(const float* const* rowTable, int x0, float* out, int n, const float* w, int r, bool bypass) {
+    // With a known radius the row pointers (moved to sample x0) are copied
+    // into locals, which the stores cannot touch.
+    const float* local[2 * R + 1];
+    const float* const* rows = rowTable;
+    if constexpr (R > 0) {
+        for (int i = 0; i <= 2 * R; ++i) local[i] = rowTable[i] + x0;
+        rows = local;
+        x0 = 0;
+    }
+    const Weights<R> wv(w);
     const bool nt = bypass && (reinterpret_cast<uintptr_t>(out) & 31) == 0;
     int x = 0;
     if (nt) {
-        for (; x + 8 <= n; x += 8) _mm256_stream_ps(out + x, symmetricSum<R>(ColumnTaps{rows, x}, w, r));
+        for (; x + 8 <= n; x += 8) _mm256_stream_ps(out + x, symmetricSum<R>(ColumnTaps{rows, x0 + x}, wv, r));
     } else {
         for (; x + 16 <= n; x += 16) {
-            _mm256_storeu_ps(out + x, symmetricSum<R>(ColumnTaps{rows, x}, w, r));
-            _mm256_storeu_ps(out + x + 8, symmetricSum<R>(ColumnTaps{rows, x + 8}, w, r));
+            _mm256_storeu_ps(out + x, symmetricSum<R>(ColumnTaps{rows, x0 + x}, wv, r));
+            _mm256_storeu_ps(out + x + 8, symmetricSum<R>(ColumnTaps{rows, x0 + x + 8}, wv, r));
         }
-        for (; x + 8 <= n; x += 8) _mm256_storeu_ps(out + x, symmetricSum<R>(ColumnTaps{rows, x}, w, r));
+        for (; x + 8 <= n; x += 8) _mm256_storeu_ps(out + x, symmetricSum<R>(ColumnTaps{rows, x0 + x}, wv, r));
     }
     if (x < n) {
         const __m256i m = simd::firstLanes(n - x);
-        _mm256_maskstore_ps(out + x, m, symmetricSum<R>(ColumnTapsMasked{rows, x, m}, w, r));
+        _mm256_maskstore_ps(out + x, m, symmetricSum<R>(ColumnTapsMasked{rows, x0 + x, m}, wv, r));
     }
 }
 
 // ------------------------------------------------------------ the image
+
+// Samples of the spare row filled and narrowed at a time: a multiple of 32,
+// so that blocks after the first keep the destination's alignment.
+constexpr int kBlock = 512;
 
 template <class T, int C, int R, bool LowBits>
 void filterImage(const T* src, int srcStep, T* dst, int dstStep, const T* value, const GaussianPlan& p) {
@@ -372,10 +411,16 @@ void filterImage(const T* src, int srcStep, T* dst, int dstStep, const T* value,
         }
         T* drow = rowAt(dst, dstStep, y);
         if constexpr (std::is_same_v<T, float>) {
-            columnPass<R>(rows, drow, n, p.half, r, p.bypass);
+            columnPass<R>(rows, 0, drow, n, p.half, r, p.bypass);
         } else {
-            columnPass<R>(rows, spare, n, p.half, r, false);
-            narrowRow<T, LowBits>(spare, drow, n, p.bypass);
+            // The spare row is filled and narrowed a block at a time, so
+            // that the block is still in the first-level cache when read.
+            const bool nt = p.bypass && (reinterpret_cast<uintptr_t>(drow) & 31) == 0;
+            for (int x = 0; x < n; x += kBlock) {
+                const int len = n - x < kBlock ? n - x : kBlock;
+                columnPass<R>(rows, x, spare + x, len, p.half, r, false);
+                narrowRow<T, LowBits>(spare + x, drow + x, len, nt);
+            }
         }
     }
     if (p.bypass) _mm_sfence();
@@ -429,3 +474,5 @@ void gaussian_32f_C3(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, c
 }
 
 }  // namespace lum::kernel
+
+#undef LUM_INLINE
