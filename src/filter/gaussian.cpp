@@ -374,7 +374,7 @@ LUM_GAUSSIAN_MEMBERS(32f, Lum32f, 1)
 LUM_GAUSSIAN_MEMBERS(32f, Lum32f, 3)
 #undef LUM_GAUSSIAN_MEMBERS
 
-// Border forms: the border word comes from the spec's header; one channel
+// Border forms: the border word is the one stored in the header block; one channel
 // passes its value by value, three by pointer.
 #define LUM_GAUSSIAN_BORDER(t, T)                                                                                  \
     LumStatus filterGaussianBorder_##t##_C1R(const T* src, int srcStep, T* dst, int dstStep, LumiSize roiSize,     \
