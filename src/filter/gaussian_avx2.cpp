@@ -16,8 +16,9 @@
 //   3 taps:  fma(t0 + t2, w0, w1 * t1)
 //   k taps:  (t0 + t[k-1]) * w0, then fma(t[i] + t[k-1-i], w[i], acc) for
 //            i = 1 .. r-1, then fma(t[r], w[r], acc)
-// Samples of integer images are exact in float, so the pair of two 8u
-// samples, added in float, is their integer sum.
+// The vector row kernels add a pair of integer samples in 32-bit integers;
+// the sum is exact, so it equals the float sum that the scalar edge code and
+// the column pass form.
 #include <immintrin.h>
 
 #include <cmath>
@@ -61,14 +62,15 @@ struct Weights<0> {
     LUM_INLINE __m256 operator[](int i) const { return bcast(w + i); }
 };
 
-// Taps supply tap i (0 .. 2r) as a vector (v) or a scalar (s).
+// Taps supply tap i (0 .. 2r) as a vector (v) or a scalar (s), and the pair
+// of taps i and j added (pair), before any multiply.
 template <int R, class Taps>
 LUM_INLINE __m256 symmetricSum(const Taps& t, const Weights<R>& w, int r) {
     const int rad = R > 0 ? R : r;
     const int last = 2 * rad;
-    if (rad == 1) return _mm256_fmadd_ps(_mm256_add_ps(t.v(0), t.v(2)), w[0], _mm256_mul_ps(w[1], t.v(1)));
-    __m256 acc = _mm256_mul_ps(_mm256_add_ps(t.v(0), t.v(last)), w[0]);
-    for (int i = 1; i < rad; ++i) acc = _mm256_fmadd_ps(_mm256_add_ps(t.v(i), t.v(last - i)), w[i], acc);
+    if (rad == 1) return _mm256_fmadd_ps(t.pair(0, 2), w[0], _mm256_mul_ps(w[1], t.v(1)));
+    __m256 acc = _mm256_mul_ps(t.pair(0, last), w[0]);
+    for (int i = 1; i < rad; ++i) acc = _mm256_fmadd_ps(t.pair(i, last - i), w[i], acc);
     return _mm256_fmadd_ps(t.v(rad), w[rad], acc);
 }
 
@@ -89,23 +91,27 @@ LUM_INLINE float symmetricSumScalar(const Taps& t, const float* w, int r) {
 template <class T>
 struct Sample;
 
+// Integer samples widen to 32 bits (wide8), where a pair adds exactly.
 template <>
 struct Sample<Lum8u> {
-    LUM_INLINE static __m256 load8(const Lum8u* p) {
-        return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+    LUM_INLINE static __m256i wide8(const Lum8u* p) {
+        return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
     }
+    LUM_INLINE static __m256 load8(const Lum8u* p) { return _mm256_cvtepi32_ps(wide8(p)); }
 };
 template <>
 struct Sample<Lum16u> {
-    LUM_INLINE static __m256 load8(const Lum16u* p) {
-        return _mm256_cvtepi32_ps(_mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
+    LUM_INLINE static __m256i wide8(const Lum16u* p) {
+        return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
     }
+    LUM_INLINE static __m256 load8(const Lum16u* p) { return _mm256_cvtepi32_ps(wide8(p)); }
 };
 template <>
 struct Sample<Lum16s> {
-    LUM_INLINE static __m256 load8(const Lum16s* p) {
-        return _mm256_cvtepi32_ps(_mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
+    LUM_INLINE static __m256i wide8(const Lum16s* p) {
+        return _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
     }
+    LUM_INLINE static __m256 load8(const Lum16s* p) { return _mm256_cvtepi32_ps(wide8(p)); }
 };
 template <>
 struct Sample<Lum32f> {
@@ -208,30 +214,32 @@ void narrowRow(const float* s, T* d, int n, bool nt) {
     for (; x < n; ++x) d[x] = N::one(s[x]);
 }
 
-// n samples of a source row as floats.
-template <class T>
-void widenRow(const T* s, float* d, int n) {
-    int x = 0;
-    for (; x + 8 <= n; x += 8) _mm256_store_ps(d + x, Sample<T>::load8(s + x));
-    for (; x < n; ++x) d[x] = static_cast<float>(s[x]);
-}
-
 // ------------------------------------------------------------ row pass
 
 // Taps of the row kernel around the centre sample c: tap i is the sample
-// (i - r) pixels away, C samples a pixel.
-template <int C>
+// (i - r) pixels away, C samples a pixel. Integer samples are read as they
+// are and a pair is added in 32-bit integers, then converted (exact, so the
+// same as adding their floats); float pairs are added in float.
+template <class T, int C>
 struct RowTaps {
-    const float* c;
+    const T* c;
     int rad;
-    LUM_INLINE __m256 v(int i) const { return _mm256_loadu_ps(c + (i - rad) * C); }
+    LUM_INLINE __m256 v(int i) const { return Sample<T>::load8(c + (i - rad) * C); }
+    LUM_INLINE __m256 pair(int i, int j) const {
+        if constexpr (std::is_same_v<T, float>) {
+            return _mm256_add_ps(v(i), v(j));
+        } else {
+            return _mm256_cvtepi32_ps(
+                _mm256_add_epi32(Sample<T>::wide8(c + (i - rad) * C), Sample<T>::wide8(c + (j - rad) * C)));
+        }
+    }
 };
 
 // Taps of an edge sample: pixel x, channel ch; pixels left of the row come
 // from the left strip, pixels right of it from the right strip.
-template <int C>
+template <class T, int C>
 struct EdgeTaps {
-    const float* row;
+    const T* row;
     const float* left;   // pixels -r .. -1
     const float* right;  // pixels width .. width + r - 1
     int width, x, ch, rad;
@@ -239,7 +247,7 @@ struct EdgeTaps {
         const int p = x - rad + i;
         if (p < 0) return left[(p + rad) * C + ch];
         if (p >= width) return right[(p - width) * C + ch];
-        return row[p * C + ch];
+        return static_cast<float>(row[p * C + ch]);
     }
 };
 
@@ -259,7 +267,6 @@ struct RowContext {
     int border;
     int rad;
     const float* w;
-    float* spare;   // widened source row (integer samples)
     float* strips;  // r pixels left, then r pixels right
 };
 
@@ -268,13 +275,7 @@ template <class T, int C, int R>
 void rowPass(const T* srow, const void* valueIn, const RowContext& rc, float* out) {
     const T* value = static_cast<const T*>(valueIn);
     const int width = rc.width, r = rc.rad, n = width * C;
-    const float* f;
-    if constexpr (std::is_same_v<T, float>) {
-        f = srow;
-    } else {
-        widenRow(srow, rc.spare, n);
-        f = rc.spare;
-    }
+    const T* f = srow;
     float* left = rc.strips;
     float* right = rc.strips + r * C;
     for (int q = 0; q < r; ++q) {
@@ -290,13 +291,13 @@ void rowPass(const T* srow, const void* valueIn, const RowContext& rc, float* ou
         // The first vector starts at s0; the rest start on 8-sample (32-byte)
         // boundaries of the ring row, overlapping the first.
         const Weights<R> wv(rc.w);
-        _mm256_storeu_ps(out + s0, symmetricSum<R>(RowTaps<C>{f + s0, r}, wv, r));
+        _mm256_storeu_ps(out + s0, symmetricSum<R>(RowTaps<T, C>{f + s0, r}, wv, r));
         int s = (s0 + 8) & ~7;
-        for (; s + 8 <= s1; s += 8) _mm256_store_ps(out + s, symmetricSum<R>(RowTaps<C>{f + s, r}, wv, r));
-        if (s < s1) _mm256_storeu_ps(out + s1 - 8, symmetricSum<R>(RowTaps<C>{f + s1 - 8, r}, wv, r));
+        for (; s + 8 <= s1; s += 8) _mm256_store_ps(out + s, symmetricSum<R>(RowTaps<T, C>{f + s, r}, wv, r));
+        if (s < s1) _mm256_storeu_ps(out + s1 - 8, symmetricSum<R>(RowTaps<T, C>{f + s1 - 8, r}, wv, r));
     } else {
         for (int s = s0; s < s1; ++s) {
-            out[s] = symmetricSumScalar<R>(EdgeTaps<C>{f, left, right, width, s / C, s % C, r}, rc.w, r);
+            out[s] = symmetricSumScalar<R>(EdgeTaps<T, C>{f, left, right, width, s / C, s % C, r}, rc.w, r);
         }
     }
     // Edges: the first and last r pixels (all of them in a narrow row).
@@ -304,7 +305,7 @@ void rowPass(const T* srow, const void* valueIn, const RowContext& rc, float* ou
     const int rightBegin = width - r > leftEnd ? width - r : leftEnd;
     auto edge = [&](int x) {
         for (int ch = 0; ch < C; ++ch)
-            out[x * C + ch] = symmetricSumScalar<R>(EdgeTaps<C>{f, left, right, width, x, ch, r}, rc.w, r);
+            out[x * C + ch] = symmetricSumScalar<R>(EdgeTaps<T, C>{f, left, right, width, x, ch, r}, rc.w, r);
     };
     for (int x = 0; x < leftEnd; ++x) edge(x);
     for (int x = rightBegin; x < width; ++x) edge(x);
@@ -316,12 +317,14 @@ struct ColumnTaps {
     const float* const* rows;
     ptrdiff_t x;
     LUM_INLINE __m256 v(int i) const { return _mm256_load_ps(rows[i] + x); }
+    LUM_INLINE __m256 pair(int i, int j) const { return _mm256_add_ps(v(i), v(j)); }
 };
 struct ColumnTapsMasked {
     const float* const* rows;
     ptrdiff_t x;
     __m256i m;
     LUM_INLINE __m256 v(int i) const { return _mm256_maskload_ps(rows[i] + x, m); }
+    LUM_INLINE __m256 pair(int i, int j) const { return _mm256_add_ps(v(i), v(j)); }
 };
 
 // n float results of the k ring rows into out; streaming stores when asked
@@ -369,7 +372,7 @@ void filterImage(const T* src, int srcStep, T* dst, int dstStep, const T* value,
     float* ring = alignUp<float>(p.buffer, 64);
     float* spare = ring + static_cast<ptrdiff_t>(k) * strideF;
     float* strips = spare + strideF;
-    const RowContext rc{width, p.border, r, p.half, spare, strips};
+    const RowContext rc{width, p.border, r, p.half, strips};
     auto slot = [&](int i) { return ring + static_cast<ptrdiff_t>(i) * strideF; };
 
     const int code = border::lowCode(p.border);
