@@ -44,7 +44,7 @@ namespace {
 LUM_INLINE __m256 bcast(const float* w) { return _mm256_broadcast_ss(w); }
 
 // Weights broadcast to vectors: held in registers when the radius R is known
-// at compile time (1, 2, 3), broadcast from memory otherwise (R = 0). Stores
+// at compile time (1 to 5), broadcast from memory otherwise (R = 0). Stores
 // through vector types may alias anything, so values the loops need must not
 // live in memory that the compiler would reload after every store.
 template <int R>
@@ -435,6 +435,10 @@ void bySize(const T* src, int srcStep, T* dst, int dstStep, const T* value, cons
         case 3: return filterImage<T, C, 1, LowBits>(src, srcStep, dst, dstStep, value, p);
         case 5: return filterImage<T, C, 2, LowBits>(src, srcStep, dst, dstStep, value, p);
         case 7: return filterImage<T, C, 3, LowBits>(src, srcStep, dst, dstStep, value, p);
+        // 9 and 11 unrolled as well: the same sums, with weights and row
+        // pointers held in registers.
+        case 9: return filterImage<T, C, 4, LowBits>(src, srcStep, dst, dstStep, value, p);
+        case 11: return filterImage<T, C, 5, LowBits>(src, srcStep, dst, dstStep, value, p);
         default: return filterImage<T, C, 0, LowBits>(src, srcStep, dst, dstStep, value, p);
     }
 }

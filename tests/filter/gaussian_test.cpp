@@ -342,10 +342,10 @@ TYPED_TEST(GaussianSweep, MatchesReferenceOverShapes) {
     LUMTEST_REPLAYABLE();
     Rng rng;
     const int borders[] = {1, 3, 6};
-    const int sizes[] = {3, 5, 7, 9, 13};
+    const int sizes[] = {3, 5, 7, 9, 11, 13};
     for (int width = 1; width <= 72; ++width) {
         for (int height : {1, 2, 3, 8}) {
-            const int k = sizes[rng.uniform(0, 4)];
+            const int k = sizes[rng.uniform(0, 5)];
             const int border = borders[rng.uniform(0, 2)];
             const Layer layer = static_cast<Layer>(rng.uniform(0, 2));
             const float sigma = static_cast<float>(rng.uniformReal(0.3, 3.0));
