@@ -752,6 +752,38 @@ TEST(GaussianEdges, LeftAndRightFlagsReadMemoryLikeAWiderImage) {
     }
 }
 
+// Sums of five and more taps: the outermost pair times its weight first,
+// then the pairs inward by fused multiply-add, the centre last. One row of
+// 32f samples with mirror borders: every ring row is the same row.
+TEST(GaussianEdges, ChoiceGeneralSumsPairsOutermostFirstThenCentre) {
+    const int k = 5, w = 5;
+    const float sigma = 0.8f;
+    const std::vector<float> h = halfKernel(k, sigma);
+    const float src[w] = {0.1f, 1e7f, 3.3f, -1e7f, 0.7f};
+    auto pairsFirst = [&](const float* t) {
+        float acc = (t[0] + t[4]) * h[0];
+        acc = std::fma(t[1] + t[3], h[1], acc);
+        return std::fma(t[2], h[2], acc);
+    };
+    auto centreFirst = [&](const float* t) {
+        float acc = t[2] * h[2];
+        acc = std::fma(t[1] + t[3], h[1], acc);
+        return std::fma(t[0] + t[4], h[0], acc);
+    };
+    // Row pass at x = 2 (all taps inside), then the column of five equal rows.
+    const float row = pairsFirst(src);
+    const float col[5] = {row, row, row, row, row};
+    const float want = pairsFirst(col);
+    const float rowAlt = centreFirst(src);
+    const float colAlt[5] = {rowAlt, rowAlt, rowAlt, rowAlt, rowAlt};
+    ASSERT_NE(bitsOf(want), bitsOf(centreFirst(colAlt)));
+    float dst[w];
+    WorkingSetup s({w, 1}, k, sigma, 3, lum32f, 1);
+    ASSERT_EQ(lumiFilterGaussian_32f_C1R_L(src, 4 * w, dst, 4 * w, {w, 1}, 3, nullptr, s.spec.data(), s.buffer.data()),
+              lumStatusOk);
+    EXPECT_EQ(bitsOf(dst[2]), bitsOf(want));
+}
+
 // ------------------------------------------------------------ cache bypass
 
 template <class T, int C>
