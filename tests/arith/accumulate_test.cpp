@@ -22,16 +22,7 @@ using lumtest::GuardedImage;
 using lumtest::Layout;
 using lumtest::Rng;
 
-uint32_t bitsOf(float v) {
-    uint32_t b;
-    std::memcpy(&b, &v, 4);
-    return b;
-}
-float fromBits(uint32_t b) {
-    float v;
-    std::memcpy(&v, &b, 4);
-    return v;
-}
+using lumtest::bitsOf;
 
 const float kNan = std::numeric_limits<float>::quiet_NaN();
 const float kInf = std::numeric_limits<float>::infinity();
@@ -164,7 +155,7 @@ float randomFinite(Rng& rng) {
     if (pick < 4) return static_cast<float>(rng.uniformReal(-1000.0, 1000.0));
     if (pick < 6) return static_cast<float>(rng.uniform(-300, 300));
     for (;;) {
-        const float v = fromBits(rng.bits());
+        const float v = lumtest::floatFromBits(rng.bits());
         if (std::isfinite(v)) return v;
     }
 }
@@ -173,12 +164,12 @@ float randomSpecial(Rng& rng) {
     switch (rng.uniform(0, 7)) {
         case 0: return kInf;
         case 1: return -kInf;
-        case 2: return fromBits(0x7fc00000u | (rng.bits() & 0x3fffffu));  // quiet NaN with a payload
-        case 3: return fromBits(0xffc00000u | (rng.bits() & 0x3fffffu));
-        case 4: return fromBits(0x7f800001u | (rng.bits() & 0x3fffffu));  // signalling NaN
+        case 2: return lumtest::floatFromBits(0x7fc00000u | (rng.bits() & 0x3fffffu));  // quiet NaN with a payload
+        case 3: return lumtest::floatFromBits(0xffc00000u | (rng.bits() & 0x3fffffu));
+        case 4: return lumtest::floatFromBits(0x7f800001u | (rng.bits() & 0x3fffffu));  // signalling NaN
         case 5: return -0.0f;
         case 6: return 0.0f;
-        default: return fromBits(rng.bits() & 0x807fffffu);  // denormal
+        default: return lumtest::floatFromBits(rng.bits() & 0x807fffffu);  // denormal
     }
 }
 

@@ -22,16 +22,7 @@ using lumtest::GuardedImage;
 using lumtest::Layout;
 using lumtest::Rng;
 
-uint32_t bitsOf(float v) {
-    uint32_t b;
-    std::memcpy(&b, &v, 4);
-    return b;
-}
-float fromBits(uint32_t b) {
-    float v;
-    std::memcpy(&v, &b, 4);
-    return v;
-}
+using lumtest::bitsOf;
 const float kNan = std::numeric_limits<float>::quiet_NaN();
 
 namespace ref {
@@ -66,7 +57,7 @@ S randomSilhouette(Rng& rng) {
         switch (rng.uniform(0, 5)) {
             case 0: return -0.0f;
             case 1: return kNan;
-            case 2: return fromBits(rng.bits() & 0x807fffffu);  // denormal, or a zero
+            case 2: return lumtest::floatFromBits(rng.bits() & 0x807fffffu);  // denormal, or a zero
             case 3: return -std::numeric_limits<float>::infinity();
             default: return static_cast<float>(rng.uniformReal(-10.0, 10.0));
         }
@@ -243,7 +234,7 @@ TEST(MotionHistoryEdges, LimitIsFormedInSinglePrecision) {
 
 TEST(MotionHistoryEdges, NanHistoryWithoutMotionStays) {
     Lum8u sil[2] = {0, 1};
-    float mhi[2] = {fromBits(0x7fc01234u), kNan};
+    float mhi[2] = {lumtest::floatFromBits(0x7fc01234u), kNan};
     ASSERT_EQ(lumiUpdateMotionHistory_8u32f_C1IR(sil, 2, mhi, 8, {2, 1}, 3.0f, 1.0f), lumStatusOk);
     EXPECT_EQ(bitsOf(mhi[0]), 0x7fc01234u);
     EXPECT_EQ(mhi[1], 3.0f);
