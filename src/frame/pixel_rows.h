@@ -4,7 +4,9 @@
 // written (the same one for in-place members). An op gives the new 32f value
 // of a pixel, in a vector form and a scalar form that compute the same bits.
 //
-// A row is walked as in stripMine: vectors of 8 pixels, two a step; then one
+// A row is walked as in stripMine, after single pixels up to the first
+// 32-byte boundary of the 32f image read: vectors of 8 pixels, two a step
+// (four with a mask, which is loaded and compared 32 bytes at once); then one
 // masked pass over what is left, in whole 32-bit lanes of every image (so a
 // multiple of 4 pixels where an 8u image takes part, of 2 where the narrowest
 // is 16u); then the last 1 to 3 pixels one by one. The masked pass reads
@@ -79,6 +81,7 @@ inline float maskedCoefficient(bool selected, float base) { return selected ? ba
 template <class S, class Op, bool TwoSources, bool Masked>
 struct PixelRow {
     // Pixels of the masked pass: whole 32-bit lanes of the narrowest image.
+    static constexpr bool masks = Masked;
     static constexpr int granule = (Masked || sizeof(S) == 1) ? 4 : static_cast<int>(4 / sizeof(S));
 
     const S* a;
@@ -98,6 +101,22 @@ struct PixelRow {
         const __m256 c = coefficient(Masked ? unselectedLanes(m + x) : _mm256_setzero_ps());
         _mm256_storeu_ps(out + x, op.vec(s1, s2, _mm256_loadu_ps(d + x), c));
     }
+    // Four vectors of a masked row with one load and one compare of the
+    // mask's 32 bytes.
+    void vec4(int x) const {
+        const __m256i zero =
+            _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(m + x)), _mm256_setzero_si256());
+        const __m128i lo = _mm256_castsi256_si128(zero), hi = _mm256_extracti128_si256(zero, 1);
+        vecWith(x, _mm256_castsi256_ps(_mm256_cvtepi8_epi32(lo)));
+        vecWith(x + 8, _mm256_castsi256_ps(_mm256_cvtepi8_epi32(_mm_unpackhi_epi64(lo, lo))));
+        vecWith(x + 16, _mm256_castsi256_ps(_mm256_cvtepi8_epi32(hi)));
+        vecWith(x + 24, _mm256_castsi256_ps(_mm256_cvtepi8_epi32(_mm_unpackhi_epi64(hi, hi))));
+    }
+    void vecWith(int x, __m256 unselected) const {
+        const __m256 s1 = loadAsFloat(a + x);
+        const __m256 s2 = TwoSources ? loadAsFloat(b + x) : s1;
+        _mm256_storeu_ps(out + x, op.vec(s1, s2, _mm256_loadu_ps(d + x), coefficient(unselected)));
+    }
     void masked(int x, int k) const {
         const __m256i lanes = firstLanes(k);
         const __m256 s1 = loadAsFloatFirst(a + x, k);
@@ -113,9 +132,22 @@ struct PixelRow {
     }
 };
 
+// Pixels to run one by one before the 32f image read lies on a 32-byte
+// boundary: none unless its pointer is a multiple of 4 and at least 16
+// pixels remain after them.
+inline int pixelsToAlign(const float* d, int n) {
+    const uintptr_t address = reinterpret_cast<uintptr_t>(d);
+    if ((address & 3) != 0) return 0;
+    const int peel = static_cast<int>(((0 - address) & 31) >> 2);
+    return n - peel >= 16 ? peel : 0;
+}
+
 template <class Row>
 inline void walkPixelRow(int n, const Row& row) {
     int x = 0;
+    for (const int peel = pixelsToAlign(row.d, n); x < peel; ++x) row.one(x);
+    if constexpr (Row::masks)
+        for (; x + 32 <= n; x += 32) row.vec4(x);
     for (; x + 16 <= n; x += 16) {
         row.vec(x);
         row.vec(x + 8);

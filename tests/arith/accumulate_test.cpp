@@ -211,7 +211,8 @@ float asFloat(S v) {
 }
 
 template <class S>
-void sweepMembers(Rng& rng, const std::vector<int>& widths, const std::vector<int>& heights, bool tight) {
+void sweepMembers(Rng& rng, const std::vector<int>& widths, const std::vector<int>& heights, bool tight,
+                  int accOffset = -1) {
     const float alphas[] = {0.25f, 0.0f, 1.0f, 2.0f, -0.5f, 1e-3f, 0.0625f, 0.9f};
     for (const Member<S>& mem : membersOf<S>()) {
         SCOPED_TRACE(mem.name);
@@ -226,7 +227,9 @@ void sweepMembers(Rng& rng, const std::vector<int>& widths, const std::vector<in
                 GuardedImage<S> a(layout(S{}), rng);
                 GuardedImage<S> b(layout(S{}), rng);
                 GuardedImage<Lum8u> m(layout(Lum8u{}), rng);
-                GuardedImage<Lum32f> d(layout(Lum32f{}), rng);
+                Layout ld = layout(Lum32f{});
+                if (accOffset >= 0) ld.offset = accOffset;
+                GuardedImage<Lum32f> d(ld, rng);
                 fillOperands<S>(a, mem.twoSources() ? &b : nullptr, mem.masked ? &m : nullptr, d, rng, 0.05);
                 const float alpha = rng.chance(0.2) ? randomFinite(rng) : alphas[rng.uniform(0, 7)];
                 std::vector<float> want(static_cast<size_t>(width) * height);
@@ -283,6 +286,23 @@ TEST(AccumulateSweep, RowsWithoutGapsRunAsOne) {
     sweepMembers<Lum8u>(rng, widths, {2, 5, 11}, true);
     sweepMembers<Lum16u>(rng, widths, {2, 5, 11}, true);
     sweepMembers<Lum32f>(rng, widths, {2, 5, 11}, true);
+}
+
+// Rows start with single pixels up to the accumulator's first 32-byte
+// boundary when 16 pixels or more remain after them: every start phase of
+// the accumulator on both sides of that threshold (start offsets of 0..28
+// bytes meet every phase of a block aligned to 16 or more).
+TEST(AccumulateSweep, EveryAccumulatorPhaseAroundThePeelThreshold) {
+    LUMTEST_REPLAYABLE();
+    Rng rng;
+    std::vector<int> widths;
+    for (int w = 14; w <= 41; ++w) widths.push_back(w);
+    for (int offset = 0; offset < 32; offset += 4) {
+        SCOPED_TRACE(offset);
+        sweepMembers<Lum8u>(rng, widths, {1}, false, offset);
+        sweepMembers<Lum16u>(rng, widths, {1}, false, offset);
+        sweepMembers<Lum32f>(rng, widths, {1}, false, offset);
+    }
 }
 
 // A wide row: many main-run iterations and every phase of the start pointer.
