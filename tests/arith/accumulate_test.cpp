@@ -509,6 +509,18 @@ TEST(AccumulateChecks, SixteenBitSourceIsTestedToTheEndBeforeTheAccumulator) {
               lumStatusBadStep);
 }
 
+// The two sources of a 16u product form one group: both are tested for
+// size before either is tested for alignment, so an odd first source step
+// beside a too small second one is a bad step.
+TEST(AccumulateChecks, ChoiceSixteenBitSourcesAreSizedAsAGroupBeforeAlignment) {
+    Lum16u src[64] = {};
+    float acc[64] = {};
+    EXPECT_EQ(lumiAddProduct_16u32f_C1IR(src, 9, src, 7, acc, 16, {4, 2}), lumStatusBadStep);
+    EXPECT_EQ(lumiAddProduct_16u32f_C1IMR(src, 9, src, 7, reinterpret_cast<Lum8u*>(acc), 4, acc, 16, {4, 2}),
+              lumStatusBadStep);
+    EXPECT_EQ(lumiAddProduct_16u32f_C1IR(src, 9, src, 8, acc, 12, {4, 2}), lumStatusStepNotAligned);
+}
+
 TEST(AccumulateChecks, OddMaskAndSourceStepsOfEightBitMembersAreAccepted) {
     std::vector<Lum8u> src(7 * 3), mask(9 * 3);
     std::vector<float> acc(5 * 3);
