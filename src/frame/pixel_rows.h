@@ -80,8 +80,8 @@ inline float maskedCoefficient(bool selected, float base) { return selected ? ba
 // (`base`, masked by the mask where there is one). With one source, s2 is s1.
 template <class S, class Op, bool TwoSources, bool Masked>
 struct PixelRow {
-    // Pixels of the masked pass: whole 32-bit lanes of the narrowest image.
     static constexpr bool masks = Masked;
+    // Pixels of the masked pass: whole 32-bit lanes of the narrowest image.
     static constexpr int granule = (Masked || sizeof(S) == 1) ? 4 : static_cast<int>(4 / sizeof(S));
 
     const S* a;
@@ -95,12 +95,7 @@ struct PixelRow {
 
     __m256 coefficient(__m256 unselected) const { return Masked ? maskedCoefficient(unselected, baseV) : baseV; }
 
-    void vec(int x) const {
-        const __m256 s1 = loadAsFloat(a + x);
-        const __m256 s2 = TwoSources ? loadAsFloat(b + x) : s1;
-        const __m256 c = coefficient(Masked ? unselectedLanes(m + x) : _mm256_setzero_ps());
-        _mm256_storeu_ps(out + x, op.vec(s1, s2, _mm256_loadu_ps(d + x), c));
-    }
+    void vec(int x) const { vecWith(x, Masked ? unselectedLanes(m + x) : _mm256_setzero_ps()); }
     // Four vectors of a masked row with one load and one compare of the
     // mask's 32 bytes.
     void vec4(int x) const {
