@@ -54,6 +54,13 @@ bool save(const std::string& path, const Image& img) {
     return true;
 }
 
+// An option that no command knows, left at the front of the arguments.
+bool unknownOption(const Args& args) {
+    if (args.empty() || args[0].size() < 2 || args[0].compare(0, 2, "--") != 0) return false;
+    std::fprintf(stderr, "lumcv: unknown option '%s'\n", args[0].c_str());
+    return true;
+}
+
 // Takes "--name value" options off the front of the arguments.
 bool takeFloatOption(Args& args, const char* name, float& value, bool& given) {
     while (args.size() >= 2 && args[0] == name) {
@@ -116,6 +123,7 @@ int runMotionHistory(const Args& argsIn) {
         if (!takeFloatOption(args, "--duration", duration, durationGiven)) return kExitUsage;
         more = more || args.size() != before;
     }
+    if (unknownOption(args)) return kExitUsage;
     if (args.size() < 3) return usageError(usage);
     const std::string outPath = args.back();
     args.pop_back();
@@ -162,6 +170,7 @@ int runAverage(const Args& argsIn) {
     bool alphaGiven = false;
     if (!takeFloatOption(args, "--alpha", alpha, alphaGiven)) return kExitUsage;
     if (alphaGiven && !std::isfinite(alpha)) return usageError("--alpha must be a finite number");
+    if (unknownOption(args)) return kExitUsage;
     if (args.size() < 2) return usageError(usage);
     const std::string outPath = args.back();
     args.pop_back();
