@@ -48,6 +48,99 @@ LUM_EXPORT(LumStatus, lumiAbsDiff_8u_C3R, absDiff_8u_C3R,
            (src1, src1Step, src2, src2Step, dst, dstStep, roiSize))
 
 /*
+ * Accumulators: one call a frame, in place on a 32f accumulator d, with s the
+ * source sample converted to float (exact for 8u and 16u), m = 1.0 where the
+ * 8u mask byte is not zero and 0.0 where it is, fma one rounding.
+ *   Add:          d + s;                   masked: fma(m, s, d)
+ *   AddSquare:    fma(s, s, d);            masked: fma(m, round(s * s), d)
+ *   AddProduct:   fma(s1, s2, d);          masked: fma(m, round(s1 * s2), d)
+ *   AddWeighted:  fma(alpha, s - d, d);    masked: fma(m AND alpha, s - d, d),
+ *                 the coefficient being alpha or +0.0; never (1 - a) d + a s.
+ *   AddWeighted_32f_C1R: dst = fma(alpha, s1 - s2, s2); the rows of src1 AND
+ *                 src2 both advance by src1Step: src2Step is only checked.
+ * The mask multiplies rather than selects: every pixel of d is rewritten, and
+ * an infinite or NaN source under a zero mask byte still makes d NaN.
+ * Checks: pointers, ROI, then 8u and 32f members test every step against its
+ * row bytes in one group, then the float steps for multiples of 4 (8u and
+ * mask steps never); 16u members test the source steps for size and
+ * multiples of 2 first, then the mask and accumulator steps for size, then
+ * the accumulator step for multiples of 4. alpha is not range-checked.
+ * Reads and writes exactly the ROI's samples.
+ */
+LUM_EXPORT(LumStatus, lumiAddProduct_16u32f_C1IMR, addProduct_16u32f_C1IMR,
+           (const Lum16u* src1, int src1Step, const Lum16u* src2, int src2Step, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src1, src1Step, src2, src2Step, mask, maskStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddProduct_16u32f_C1IR, addProduct_16u32f_C1IR,
+           (const Lum16u* src1, int src1Step, const Lum16u* src2, int src2Step, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src1, src1Step, src2, src2Step, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddProduct_32f_C1IMR, addProduct_32f_C1IMR,
+           (const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src1, src1Step, src2, src2Step, mask, maskStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddProduct_32f_C1IR, addProduct_32f_C1IR,
+           (const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src1, src1Step, src2, src2Step, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddProduct_8u32f_C1IMR, addProduct_8u32f_C1IMR,
+           (const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src1, src1Step, src2, src2Step, mask, maskStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddProduct_8u32f_C1IR, addProduct_8u32f_C1IR,
+           (const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src1, src1Step, src2, src2Step, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddSquare_16u32f_C1IMR, addSquare_16u32f_C1IMR,
+           (const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddSquare_16u32f_C1IR, addSquare_16u32f_C1IR,
+           (const Lum16u* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddSquare_32f_C1IMR, addSquare_32f_C1IMR,
+           (const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddSquare_32f_C1IR, addSquare_32f_C1IR,
+           (const Lum32f* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddSquare_8u32f_C1IMR, addSquare_8u32f_C1IMR,
+           (const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddSquare_8u32f_C1IR, addSquare_8u32f_C1IR,
+           (const Lum8u* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAddWeighted_16u32f_C1IMR, addWeighted_16u32f_C1IMR,
+           (const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize, Lum32f alpha),
+           (src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize, alpha))
+LUM_EXPORT(LumStatus, lumiAddWeighted_16u32f_C1IR, addWeighted_16u32f_C1IR,
+           (const Lum16u* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize, Lum32f alpha),
+           (src, srcStep, srcDst, srcDstStep, roiSize, alpha))
+LUM_EXPORT(LumStatus, lumiAddWeighted_32f_C1IMR, addWeighted_32f_C1IMR,
+           (const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize, Lum32f alpha),
+           (src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize, alpha))
+LUM_EXPORT(LumStatus, lumiAddWeighted_32f_C1IR, addWeighted_32f_C1IR,
+           (const Lum32f* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize, Lum32f alpha),
+           (src, srcStep, srcDst, srcDstStep, roiSize, alpha))
+LUM_EXPORT(LumStatus, lumiAddWeighted_32f_C1R, addWeighted_32f_C1R,
+           (const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step, Lum32f* dst, int dstStep, LumiSize roiSize, Lum32f alpha),
+           (src1, src1Step, src2, src2Step, dst, dstStep, roiSize, alpha))
+LUM_EXPORT(LumStatus, lumiAddWeighted_8u32f_C1IMR, addWeighted_8u32f_C1IMR,
+           (const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize, Lum32f alpha),
+           (src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize, alpha))
+LUM_EXPORT(LumStatus, lumiAddWeighted_8u32f_C1IR, addWeighted_8u32f_C1IR,
+           (const Lum8u* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize, Lum32f alpha),
+           (src, srcStep, srcDst, srcDstStep, roiSize, alpha))
+LUM_EXPORT(LumStatus, lumiAdd_16u32f_C1IMR, add_16u32f_C1IMR,
+           (const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAdd_16u32f_C1IR, add_16u32f_C1IR,
+           (const Lum16u* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAdd_32f_C1IMR, add_32f_C1IMR,
+           (const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAdd_8u32f_C1IMR, add_8u32f_C1IMR,
+           (const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiAdd_8u32f_C1IR, add_8u32f_C1IR,
+           (const Lum8u* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumiSize roiSize),
+           (src, srcStep, srcDst, srcDstStep, roiSize))
+
+/*
  * Buffer sizes of the row and column pipeline stages, in bytes, for a ROI and
  * a kernel length k (w the ROI width; the height does not matter, the row
  * queries do not depend on the width either). Null bufferSize:
@@ -330,3 +423,22 @@ LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_Low_16s_C1R, filterRowBorderPi
 LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_Low_16s_C3R, filterRowBorderPipeline_Low_16s_C3R,
            (const Lum16s* src, int srcStep, Lum16s* const* dstRows, LumiSize roiSize, const Lum16s* kernel, int kernelSize, int xAnchor, LumiBorderType borderType, const Lum16s* borderValue, int divisor, Lum8u* buffer),
            (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
+
+/*
+ * Motion history, in place on a 32f history image mhi. t = timestamp -
+ * duration, formed once in single precision. Per pixel: silhouette not zero
+ * (a float compare for 32f: -0 is no motion, NaN is motion) gives timestamp;
+ * otherwise mhi < t gives 0.0; otherwise mhi stays (a value equal to t
+ * survives). Checks: pointers, ROI, steps against row bytes, steps of 16u and
+ * 32f images for multiples of their sample size, then duration < 0:
+ * lumStatusOutOfRange (a NaN duration passes).
+ */
+LUM_EXPORT(LumStatus, lumiUpdateMotionHistory_16u32f_C1IR, updateMotionHistory_16u32f_C1IR,
+           (const Lum16u* silhouette, int silhouetteStep, Lum32f* mhi, int mhiStep, LumiSize roiSize, Lum32f timestamp, Lum32f duration),
+           (silhouette, silhouetteStep, mhi, mhiStep, roiSize, timestamp, duration))
+LUM_EXPORT(LumStatus, lumiUpdateMotionHistory_32f_C1IR, updateMotionHistory_32f_C1IR,
+           (const Lum32f* silhouette, int silhouetteStep, Lum32f* mhi, int mhiStep, LumiSize roiSize, Lum32f timestamp, Lum32f duration),
+           (silhouette, silhouetteStep, mhi, mhiStep, roiSize, timestamp, duration))
+LUM_EXPORT(LumStatus, lumiUpdateMotionHistory_8u32f_C1IR, updateMotionHistory_8u32f_C1IR,
+           (const Lum8u* silhouette, int silhouetteStep, Lum32f* mhi, int mhiStep, LumiSize roiSize, Lum32f timestamp, Lum32f duration),
+           (silhouette, silhouetteStep, mhi, mhiStep, roiSize, timestamp, duration))

@@ -1,25 +1,43 @@
 #!/usr/bin/env python3
 """Puts include/lumcv_exports.h back into byte order of the export names.
 
-Usage: sort_exports.py [--union-conflicts] [FILE]
+Usage: sort_exports.py [FILE]
+       sort_exports.py --merge   (during a git merge with a conflict in the list)
 
-Each row keeps the comment block standing right above it. With
---union-conflicts, git conflict markers are dropped and the rows of both
-sides kept (a row that stands on both sides is kept once), which resolves
-the usual merge of two branches that each added their own exports.
+Each row keeps the comment block standing right above it. With --merge, the
+list is rebuilt from the rows of both sides of the merge (a row that stands
+on both sides is kept once, as ours has it), which resolves the usual merge
+of two branches that each added their own exports.
 """
+import subprocess
 import re
 import sys
 
 
 def main():
     args = sys.argv[1:]
-    union = "--union-conflicts" in args
-    args = [a for a in args if a != "--union-conflicts"]
+    merge = "--merge" in args
+    args = [a for a in args if a != "--merge"]
     path = args[0] if args else "include/lumcv_exports.h"
-    lines = open(path).read().split("\n")
-    if union:
-        lines = [l for l in lines if not re.match(r"^(<<<<<<<|=======|>>>>>>>)( |$)", l)]
+    if merge:
+        ours = subprocess.run(["git", "show", ":2:" + path], check=True, capture_output=True, text=True).stdout
+        theirs = subprocess.run(["git", "show", ":3:" + path], check=True, capture_output=True, text=True).stdout
+        head, entries = parse(ours.split("\n"))
+        for name, block in parse(theirs.split("\n"))[1].items():
+            entries.setdefault(name, block)
+    else:
+        head, entries = parse(open(path).read().split("\n"))
+    out = head[:]
+    for name in sorted(entries, key=lambda n: n.encode()):
+        block = entries[name]
+        if block and block[0].strip().startswith("/*") and out and out[-1].strip() != "":
+            out.append("")
+        out.extend(block)
+    open(path, "w").write("\n".join(out).rstrip("\n") + "\n")
+
+
+def parse(lines):
+    """The file's header comment, and each row with the comment above it, by name."""
     # The file's own header comment ends at the first blank line after it.
     head_end = 0
     for i, l in enumerate(lines):
@@ -48,13 +66,7 @@ def main():
             continue
         else:
             pending.append(l)
-    out = head[:]
-    for name in sorted(entries, key=lambda n: n.encode()):
-        block = entries[name]
-        if block and block[0].strip().startswith("/*") and out and out[-1].strip() != "":
-            out.append("")
-        out.extend(block)
-    open(path, "w").write("\n".join(out).rstrip("\n") + "\n")
+    return head, entries
 
 
 def balanced(chunk):

@@ -136,6 +136,19 @@ Layout randomLayout(int width, int height, int channels, Rng& rng) {
     return l;
 }
 
+// The bits of a float and the float of given bits, for tests that compare
+// or build exact patterns (NaN payloads, signed zeros).
+inline uint32_t bitsOf(float v) {
+    uint32_t b;
+    std::memcpy(&b, &v, 4);
+    return b;
+}
+inline float floatFromBits(uint32_t b) {
+    float v;
+    std::memcpy(&v, &b, 4);
+    return v;
+}
+
 // Bit-exact comparison of two sample arrays; floats compare by their bits, so
 // NaN payloads and signs of zero count.
 template <class T>
