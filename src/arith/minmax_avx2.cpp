@@ -25,8 +25,10 @@ struct ExtremeInt {
     static constexpr T kMinSeed = static_cast<T>(~T(0));
     static constexpr T kMaxSeed = 0;
     static __m256i broadcast(T v) {
-        if constexpr (sizeof(T) == 1) return _mm256_set1_epi8(static_cast<char>(v));
-        else return _mm256_set1_epi16(static_cast<short>(v));
+        if constexpr (sizeof(T) == 1)
+            return _mm256_set1_epi8(static_cast<char>(v));
+        else
+            return _mm256_set1_epi16(static_cast<short>(v));
     }
     static __m256i min(__m256i x, __m256i acc) { return Min(x, acc); }
     static __m256i max(__m256i x, __m256i acc) { return Max(x, acc); }
@@ -96,14 +98,18 @@ inline V<T> allOnes() {
 
 template <class T>
 inline V<T> bitAnd(V<T> a, V<T> b) {
-    if constexpr (std::is_same_v<T, float>) return _mm256_and_ps(a, b);
-    else return _mm256_and_si256(a, b);
+    if constexpr (std::is_same_v<T, float>)
+        return _mm256_and_ps(a, b);
+    else
+        return _mm256_and_si256(a, b);
 }
 
 template <class T>
 inline bool isAllOnes(V<T> v) {
-    if constexpr (std::is_same_v<T, float>) return _mm256_movemask_ps(v) == 0xff;
-    else return _mm256_movemask_epi8(v) == -1;
+    if constexpr (std::is_same_v<T, float>)
+        return _mm256_movemask_ps(v) == 0xff;
+    else
+        return _mm256_movemask_epi8(v) == -1;
 }
 
 // Running extreme of one search and the row where it was last improved.
@@ -125,17 +131,19 @@ bool scanExtremes(const Source<T, C>& src, const Lum8u* mask, int maskStep, int 
         V<T> vmin = E::broadcast(lo.value), vmax = E::broadcast(hi.value);
         // The missing lanes of an unmasked row's last group repeat a sample
         // of the row, which changes neither extreme.
-        scanRow<kMasked>(kMasked ? rowAt(mask, maskStep, y) : nullptr, width, row.at(0),
- [&](Selection<T> s, V<T> v) {
-                             if constexpr (kMasked) {
-                                 if constexpr (kMin) vmin = E::min(E::forMin(v, s.unselected), vmin);
-                                 if constexpr (kMax) vmax = E::max(E::forMax(v, s.unselected), vmax);
-                                 unselectedEverywhere = bitAnd<T>(unselectedEverywhere, s.unselected);
-                             } else {
-                                 if constexpr (kMin) vmin = E::min(v, vmin);
-                                 if constexpr (kMax) vmax = E::max(v, vmax);
-                             }
-                         }, row);
+        scanRow<kMasked>(
+            kMasked ? rowAt(mask, maskStep, y) : nullptr, width, row.at(0),
+            [&](Selection<T> s, V<T> v) {
+                if constexpr (kMasked) {
+                    if constexpr (kMin) vmin = E::min(E::forMin(v, s.unselected), vmin);
+                    if constexpr (kMax) vmax = E::max(E::forMax(v, s.unselected), vmax);
+                    unselectedEverywhere = bitAnd<T>(unselectedEverywhere, s.unselected);
+                } else {
+                    if constexpr (kMin) vmin = E::min(v, vmin);
+                    if constexpr (kMax) vmax = E::max(v, vmax);
+                }
+            },
+            row);
         if constexpr (kMin) {
             const T m = E::hmin(vmin);
             if (m < lo.value) lo = {m, y};
@@ -161,8 +169,8 @@ bool scanFor(bool doMin, bool doMax, const Source<T, C>& src, const Lum8u* mask,
 // saved row, the position is (0, 0) and a float value is the first sample,
 // an integer one the seed, which every selected sample then equals.
 template <class T, int C>
-void deliver(const Source<T, C>& src, const Lum8u* mask, int maskStep, int width, bool anySelected,
-             const Running<T>& r, Lum32f* val, LumiPoint* index) {
+void deliver(const Source<T, C>& src, const Lum8u* mask, int maskStep, int width, bool anySelected, const Running<T>& r,
+             Lum32f* val, LumiPoint* index) {
     if (!anySelected) {
         *val = 0.0f;
         if (index != nullptr) *index = LumiPoint{0, 0};
@@ -202,9 +210,9 @@ bool minMaxIndx(const T* srcBase, int srcStep, const Lum8u* mask, int maskStep, 
     return any;
 }
 
-#define LUM_MINMAX_INSTANTIATE(T, C)                                                                      \
-    template bool minMaxIndx<T, C>(const T*, int, const Lum8u*, int, int, int, int, Lum32f*, Lum32f*,     \
-                                   LumiPoint*, LumiPoint*);
+#define LUM_MINMAX_INSTANTIATE(T, C)                                                                              \
+    template bool minMaxIndx<T, C>(const T*, int, const Lum8u*, int, int, int, int, Lum32f*, Lum32f*, LumiPoint*, \
+                                   LumiPoint*);
 LUM_MINMAX_INSTANTIATE(Lum8u, 1)
 LUM_MINMAX_INSTANTIATE(Lum8u, 3)
 LUM_MINMAX_INSTANTIATE(Lum16u, 1)

@@ -17,15 +17,20 @@ using namespace stats;
 // |a - b| of unsigned lanes: one of the two saturated differences is zero.
 template <class T>
 inline V<T> absDiff(V<T> a, V<T> b) {
-    if constexpr (sizeof(T) == 1) return _mm256_or_si256(_mm256_subs_epu8(a, b), _mm256_subs_epu8(b, a));
-    else if constexpr (sizeof(T) == 2) return _mm256_or_si256(_mm256_subs_epu16(a, b), _mm256_subs_epu16(b, a));
-    else return magnitude(_mm256_sub_ps(a, b));
+    if constexpr (sizeof(T) == 1)
+        return _mm256_or_si256(_mm256_subs_epu8(a, b), _mm256_subs_epu8(b, a));
+    else if constexpr (sizeof(T) == 2)
+        return _mm256_or_si256(_mm256_subs_epu16(a, b), _mm256_subs_epu16(b, a));
+    else
+        return magnitude(_mm256_sub_ps(a, b));
 }
 
 template <class T>
 inline V<T> magnitudeOf(V<T> v) {
-    if constexpr (std::is_same_v<T, float>) return magnitude(v);
-    else return v;
+    if constexpr (std::is_same_v<T, float>)
+        return magnitude(v);
+    else
+        return v;
 }
 
 // The total of one norm over magnitude vectors.
@@ -36,8 +41,10 @@ template <class T>
 class NormTotal<T, NormKind::Inf, false> {
 public:
     void add(__m256i v) {
-        if constexpr (sizeof(T) == 1) max_ = _mm256_max_epu8(v, max_);
-        else max_ = _mm256_max_epu16(v, max_);
+        if constexpr (sizeof(T) == 1)
+            max_ = _mm256_max_epu8(v, max_);
+        else
+            max_ = _mm256_max_epu16(v, max_);
     }
     void endRow() {}
     double total() const {
@@ -58,8 +65,10 @@ public:
     void add(__m256i v) { sums_.add(v); }
     void endRow() {}
     double total() {
-        if constexpr (K == NormKind::L1) return totalToDouble(sums_.sum());
-        else return totalToDouble(sums_.sumSquares());
+        if constexpr (K == NormKind::L1)
+            return totalToDouble(sums_.sum());
+        else
+            return totalToDouble(sums_.sumSquares());
     }
 
 private:
@@ -87,8 +96,10 @@ template <NormKind K>
 class NormTotal<float, K, true> {
 public:
     void add(__m256 v) {
-        if constexpr (K == NormKind::L1) lanes_.add(v);
-        else lanes_.addSquare(v);
+        if constexpr (K == NormKind::L1)
+            lanes_.add(v);
+        else
+            lanes_.addSquare(v);
     }
     void endRow() { lanes_.flush(); }
     double total() const { return lanes_.total(); }
@@ -106,9 +117,9 @@ NormTotals normMasked(const T* src1, int src1Step, const T* src2, int src2Step, 
     NormTotal<T, K> num;
     if constexpr (O == NormOf::Image) {
         for (int y = 0; y < height; ++y) {
-            scanRow<true>(rowAt(mask, maskStep, y), width, T(0),
-                          [&](Selection<T> s, V<T> v) { num.add(keepSelected<T>(magnitudeOf<T>(v), s.unselected)); },
-                          a.row(y));
+            scanRow<true>(
+                rowAt(mask, maskStep, y), width, T(0),
+                [&](Selection<T> s, V<T> v) { num.add(keepSelected<T>(magnitudeOf<T>(v), s.unselected)); }, a.row(y));
             num.endRow();
         }
         return {num.total(), 0.0};
@@ -130,16 +141,16 @@ NormTotals normMasked(const T* src1, int src1Step, const T* src2, int src2Step, 
     }
 }
 
-#define LUM_NORM_INSTANTIATE_ONE(T, C, K, O)                                                               \
-    template NormTotals normMasked<T, C, NormKind::K, NormOf::O>(const T*, int, const T*, int, const Lum8u*, \
-                                                                  int, int, int, int);
+#define LUM_NORM_INSTANTIATE_ONE(T, C, K, O)                                                                           \
+    template NormTotals normMasked<T, C, NormKind::K, NormOf::O>(const T*, int, const T*, int, const Lum8u*, int, int, \
+                                                                 int, int);
 #define LUM_NORM_INSTANTIATE_KINDS(T, C, O) \
     LUM_NORM_INSTANTIATE_ONE(T, C, Inf, O)  \
     LUM_NORM_INSTANTIATE_ONE(T, C, L1, O)   \
     LUM_NORM_INSTANTIATE_ONE(T, C, L2, O)
-#define LUM_NORM_INSTANTIATE(T, C)                   \
-    LUM_NORM_INSTANTIATE_KINDS(T, C, Image)          \
-    LUM_NORM_INSTANTIATE_KINDS(T, C, Difference)     \
+#define LUM_NORM_INSTANTIATE(T, C)               \
+    LUM_NORM_INSTANTIATE_KINDS(T, C, Image)      \
+    LUM_NORM_INSTANTIATE_KINDS(T, C, Difference) \
     LUM_NORM_INSTANTIATE_KINDS(T, C, Relative)
 LUM_NORM_INSTANTIATE(Lum8u, 1)
 LUM_NORM_INSTANTIATE(Lum8u, 3)

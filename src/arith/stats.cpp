@@ -13,8 +13,7 @@ template <class T, int C>
 constexpr bool kHasCoi = C == 3;
 
 template <class T, int C>
-LumStatus meanMember(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roi, int coi,
-                     Lum64f* mean) {
+LumStatus meanMember(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roi, int coi, Lum64f* mean) {
     if (anyNull(src, mask, mean)) return lumStatusNullPointer;
     if (LumStatus st = checkStatsArgs<T, C>(roi, MaskStepTest::WithSteps, maskStep, kHasCoi<T, C>, coi, srcStep))
         return st;
@@ -100,46 +99,46 @@ LumStatus minMaxMasked(const T* src, int srcStep, const Lum8u* mask, int maskSte
 }  // namespace
 
 // The exports of one sample type: T the sample, t its name part.
-#define LUM_STATS_MEMBERS(T, t)                                                                                    \
-    LumStatus mean_##t##_C1MR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,         \
-                              Lum64f* mean) {                                                                       \
-        return meanMember<T, 1>(src, srcStep, mask, maskStep, roiSize, 1, mean);                                    \
-    }                                                                                                               \
-    LumStatus mean_##t##_C3CMR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,        \
-                               int coi, Lum64f* mean) {                                                             \
-        return meanMember<T, 3>(src, srcStep, mask, maskStep, roiSize, coi, mean);                                  \
-    }                                                                                                               \
-    LumStatus meanStdDev_##t##_C1R(const T* src, int srcStep, LumiSize roiSize, Lum64f* mean, Lum64f* stdDev) {     \
-        return meanStdDevUnmasked<T, 1>(src, srcStep, roiSize, 1, mean, stdDev);                                    \
-    }                                                                                                               \
-    LumStatus meanStdDev_##t##_C3CR(const T* src, int srcStep, LumiSize roiSize, int coi, Lum64f* mean,             \
-                                    Lum64f* stdDev) {                                                               \
-        return meanStdDevUnmasked<T, 3>(src, srcStep, roiSize, coi, mean, stdDev);                                  \
-    }                                                                                                               \
-    LumStatus meanStdDev_##t##_C1MR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,   \
-                                    Lum64f* mean, Lum64f* stdDev) {                                                 \
-        return meanStdDevMasked<T, 1>(src, srcStep, mask, maskStep, roiSize, 1, mean, stdDev);                      \
-    }                                                                                                               \
-    LumStatus meanStdDev_##t##_C3CMR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,  \
-                                     int coi, Lum64f* mean, Lum64f* stdDev) {                                       \
-        return meanStdDevMasked<T, 3>(src, srcStep, mask, maskStep, roiSize, coi, mean, stdDev);                    \
-    }                                                                                                               \
-    LumStatus minMaxIndx_##t##_C1R(const T* src, int srcStep, LumiSize roiSize, Lum32f* minVal, Lum32f* maxVal,     \
-                                   LumiPoint* minIndex, LumiPoint* maxIndex) {                                      \
-        return minMaxUnmasked<T, 1>(src, srcStep, roiSize, 1, minVal, maxVal, minIndex, maxIndex);                  \
-    }                                                                                                               \
-    LumStatus minMaxIndx_##t##_C3CR(const T* src, int srcStep, LumiSize roiSize, int coi, Lum32f* minVal,           \
-                                    Lum32f* maxVal, LumiPoint* minIndex, LumiPoint* maxIndex) {                     \
-        return minMaxUnmasked<T, 3>(src, srcStep, roiSize, coi, minVal, maxVal, minIndex, maxIndex);                \
-    }                                                                                                               \
-    LumStatus minMaxIndx_##t##_C1MR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,   \
-                                    Lum32f* minVal, Lum32f* maxVal, LumiPoint* minIndex, LumiPoint* maxIndex) {     \
-        return minMaxMasked<T, 1>(src, srcStep, mask, maskStep, roiSize, 1, minVal, maxVal, minIndex, maxIndex);    \
-    }                                                                                                               \
-    LumStatus minMaxIndx_##t##_C3CMR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,  \
-                                     int coi, Lum32f* minVal, Lum32f* maxVal, LumiPoint* minIndex,                  \
-                                     LumiPoint* maxIndex) {                                                         \
-        return minMaxMasked<T, 3>(src, srcStep, mask, maskStep, roiSize, coi, minVal, maxVal, minIndex, maxIndex);  \
+#define LUM_STATS_MEMBERS(T, t)                                                                                       \
+    LumStatus mean_##t##_C1MR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,           \
+                              Lum64f* mean) {                                                                         \
+        return meanMember<T, 1>(src, srcStep, mask, maskStep, roiSize, 1, mean);                                      \
+    }                                                                                                                 \
+    LumStatus mean_##t##_C3CMR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize, int coi, \
+                               Lum64f* mean) {                                                                        \
+        return meanMember<T, 3>(src, srcStep, mask, maskStep, roiSize, coi, mean);                                    \
+    }                                                                                                                 \
+    LumStatus meanStdDev_##t##_C1R(const T* src, int srcStep, LumiSize roiSize, Lum64f* mean, Lum64f* stdDev) {       \
+        return meanStdDevUnmasked<T, 1>(src, srcStep, roiSize, 1, mean, stdDev);                                      \
+    }                                                                                                                 \
+    LumStatus meanStdDev_##t##_C3CR(const T* src, int srcStep, LumiSize roiSize, int coi, Lum64f* mean,               \
+                                    Lum64f* stdDev) {                                                                 \
+        return meanStdDevUnmasked<T, 3>(src, srcStep, roiSize, coi, mean, stdDev);                                    \
+    }                                                                                                                 \
+    LumStatus meanStdDev_##t##_C1MR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,     \
+                                    Lum64f* mean, Lum64f* stdDev) {                                                   \
+        return meanStdDevMasked<T, 1>(src, srcStep, mask, maskStep, roiSize, 1, mean, stdDev);                        \
+    }                                                                                                                 \
+    LumStatus meanStdDev_##t##_C3CMR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,    \
+                                     int coi, Lum64f* mean, Lum64f* stdDev) {                                         \
+        return meanStdDevMasked<T, 3>(src, srcStep, mask, maskStep, roiSize, coi, mean, stdDev);                      \
+    }                                                                                                                 \
+    LumStatus minMaxIndx_##t##_C1R(const T* src, int srcStep, LumiSize roiSize, Lum32f* minVal, Lum32f* maxVal,       \
+                                   LumiPoint* minIndex, LumiPoint* maxIndex) {                                        \
+        return minMaxUnmasked<T, 1>(src, srcStep, roiSize, 1, minVal, maxVal, minIndex, maxIndex);                    \
+    }                                                                                                                 \
+    LumStatus minMaxIndx_##t##_C3CR(const T* src, int srcStep, LumiSize roiSize, int coi, Lum32f* minVal,             \
+                                    Lum32f* maxVal, LumiPoint* minIndex, LumiPoint* maxIndex) {                       \
+        return minMaxUnmasked<T, 3>(src, srcStep, roiSize, coi, minVal, maxVal, minIndex, maxIndex);                  \
+    }                                                                                                                 \
+    LumStatus minMaxIndx_##t##_C1MR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,     \
+                                    Lum32f* minVal, Lum32f* maxVal, LumiPoint* minIndex, LumiPoint* maxIndex) {       \
+        return minMaxMasked<T, 1>(src, srcStep, mask, maskStep, roiSize, 1, minVal, maxVal, minIndex, maxIndex);      \
+    }                                                                                                                 \
+    LumStatus minMaxIndx_##t##_C3CMR(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize,    \
+                                     int coi, Lum32f* minVal, Lum32f* maxVal, LumiPoint* minIndex,                    \
+                                     LumiPoint* maxIndex) {                                                           \
+        return minMaxMasked<T, 3>(src, srcStep, mask, maskStep, roiSize, coi, minVal, maxVal, minIndex, maxIndex);    \
     }
 
 LUM_STATS_MEMBERS(Lum8u, 8u)

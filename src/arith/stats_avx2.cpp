@@ -27,8 +27,29 @@ constexpr bool kIsFloat = std::is_same_v<T, float>;
 // Selected count: 32 bits, wrapping, for a mask; width x height without one.
 template <bool kMasked>
 double countOf(uint32_t selected, int width, int height) {
-    if constexpr (kMasked) return static_cast<double>(selected);
-    else return static_cast<double>(width) * static_cast<double>(height);
+    if constexpr (kMasked)
+        return static_cast<double>(selected);
+    else
+        return static_cast<double>(width) * static_cast<double>(height);
+}
+
+// Exact integer sums of the selected samples (and of their squares), formed
+// a row at a time and added into doubles at each row's end.
+template <bool kMasked, bool kSquares, class T, int C>
+void integerSums(const Source<T, C>& src, const Lum8u* mask, int maskStep, int width, int height, uint32_t& selected,
+                 double& sum, double& squares) {
+    for (int y = 0; y < height; ++y) {
+        IntSums<T, kSquares> sums;
+        scanRow<kMasked>(
+            kMasked ? rowAt(mask, maskStep, y) : nullptr, width, T(0),
+            [&](Selection<T> s, __m256i v) {
+                sums.add(kMasked ? keepSelected<T>(v, s.unselected) : v);
+                selected += static_cast<uint32_t>(s.selected);
+            },
+            src.row(y));
+        sum += static_cast<double>(sums.sum());
+        if constexpr (kSquares) squares += static_cast<double>(sums.sumSquares());
+    }
 }
 
 template <bool kMasked, class T, int C>
@@ -39,28 +60,23 @@ double meanRun(const Source<T, C>& src, const Lum8u* mask, int maskStep, int wid
         FloatLanes lanes;
         int left = kMeanFlushGroups;
         for (int y = 0; y < height; ++y) {
-            scanRow<kMasked>(kMasked ? rowAt(mask, maskStep, y) : nullptr, width, 0.0f,
- [&](Selection<float> s, __m256 v) {
-                                 lanes.add(keepSelected<float>(v, s.unselected));
-                                 selected += static_cast<uint32_t>(s.selected);
-                                 if (--left == 0) {
-                                     lanes.flush();
-                                     left = kMeanFlushGroups;
-                                 }
-                             }, src.row(y));
+            scanRow<kMasked>(
+                kMasked ? rowAt(mask, maskStep, y) : nullptr, width, 0.0f,
+                [&](Selection<float> s, __m256 v) {
+                    lanes.add(keepSelected<float>(v, s.unselected));
+                    selected += static_cast<uint32_t>(s.selected);
+                    if (--left == 0) {
+                        lanes.flush();
+                        left = kMeanFlushGroups;
+                    }
+                },
+                src.row(y));
         }
         lanes.flush();
         total = lanes.total();
     } else {
-        for (int y = 0; y < height; ++y) {
-            IntSums<T, false> sums;
-            scanRow<kMasked>(kMasked ? rowAt(mask, maskStep, y) : nullptr, width, T(0),
- [&](Selection<T> s, __m256i v) {
-                                 sums.add(kMasked ? keepSelected<T>(v, s.unselected) : v);
-                                 selected += static_cast<uint32_t>(s.selected);
-                             }, src.row(y));
-            total += static_cast<double>(sums.sum());
-        }
+        double unused = 0.0;
+        integerSums<kMasked, false>(src, mask, maskStep, width, height, selected, total, unused);
     }
     const double n = countOf<kMasked>(selected, width, height);
     return n == 0.0 ? 0.0 : total / n;
@@ -75,10 +91,12 @@ double sumSquaredDeviations(const Source<float, C>& src, const Lum8u* mask, int 
     const __m256 mv = _mm256_set1_ps(mf);
     FloatLanes acc;
     for (int y = 0; y < height; ++y) {
-        scanRow<kMasked>(kMasked ? rowAt(mask, maskStep, y) : nullptr, width, 0.0f,
- [&](Selection<float> s, __m256 v) {
-                             acc.addSquare(keepSelected<float>(_mm256_sub_ps(v, mv), s.unselected));
-                         }, src.row(y));
+        scanRow<kMasked>(
+            kMasked ? rowAt(mask, maskStep, y) : nullptr, width, 0.0f,
+            [&](Selection<float> s, __m256 v) {
+                acc.addSquare(keepSelected<float>(_mm256_sub_ps(v, mv), s.unselected));
+            },
+            src.row(y));
         acc.flush();
     }
     return acc.total();
@@ -91,29 +109,22 @@ MeanStdDev meanStdDevRun(const Source<T, C>& src, const Lum8u* mask, int maskSte
     if constexpr (kIsFloat<T>) {
         FloatLanes s1, s2;
         for (int y = 0; y < height; ++y) {
-            scanRow<kMasked>(kMasked ? rowAt(mask, maskStep, y) : nullptr, width, 0.0f,
- [&](Selection<float> s, __m256 v) {
-                                 const __m256 x = kMasked ? keepSelected<float>(v, s.unselected) : v;
-                                 s1.add(x);
-                                 s2.addSquare(x);
-                                 selected += static_cast<uint32_t>(s.selected);
-                             }, src.row(y));
+            scanRow<kMasked>(
+                kMasked ? rowAt(mask, maskStep, y) : nullptr, width, 0.0f,
+                [&](Selection<float> s, __m256 v) {
+                    const __m256 x = kMasked ? keepSelected<float>(v, s.unselected) : v;
+                    s1.add(x);
+                    s2.addSquare(x);
+                    selected += static_cast<uint32_t>(s.selected);
+                },
+                src.row(y));
             s1.flush();
             s2.flush();
         }
         sum = s1.total();
         squares = s2.total();
     } else {
-        for (int y = 0; y < height; ++y) {
-            IntSums<T, true> sums;
-            scanRow<kMasked>(kMasked ? rowAt(mask, maskStep, y) : nullptr, width, T(0),
- [&](Selection<T> s, __m256i v) {
-                                 sums.add(kMasked ? keepSelected<T>(v, s.unselected) : v);
-                                 selected += static_cast<uint32_t>(s.selected);
-                             }, src.row(y));
-            sum += static_cast<double>(sums.sum());
-            squares += static_cast<double>(sums.sumSquares());
-        }
+        integerSums<kMasked, true>(src, mask, maskStep, width, height, selected, sum, squares);
     }
     const double n = countOf<kMasked>(selected, width, height);
     if (n == 0.0) return {0.0, 0.0};
@@ -131,8 +142,7 @@ MeanStdDev meanStdDevRun(const Source<T, C>& src, const Lum8u* mask, int maskSte
         // The one-pass form cancels badly when the spread is small against the
         // mean: then sum the squared deviations from the float mean.
         if ((m * 0.05) * m > t * t)
-            t = std::sqrt(sumSquaredDeviations<kMasked>(src, mask, maskStep, width, height, static_cast<float>(m)) /
-                          n);
+            t = std::sqrt(sumSquaredDeviations<kMasked>(src, mask, maskStep, width, height, static_cast<float>(m)) / n);
     }
     return {m, t};
 }
@@ -151,8 +161,8 @@ MeanStdDev meanStdDev(const T* src, int srcStep, const Lum8u* mask, int maskStep
                            : meanStdDevRun<false>(s, mask, maskStep, width, height);
 }
 
-#define LUM_STATS_INSTANTIATE(T, C)                                                                       \
-    template double meanMasked<T, C>(const T*, int, const Lum8u*, int, int, int, int);                   \
+#define LUM_STATS_INSTANTIATE(T, C)                                                    \
+    template double meanMasked<T, C>(const T*, int, const Lum8u*, int, int, int, int); \
     template MeanStdDev meanStdDev<T, C>(const T*, int, const Lum8u*, int, int, int, int);
 LUM_STATS_INSTANTIATE(Lum8u, 1)
 LUM_STATS_INSTANTIATE(Lum8u, 3)

@@ -38,8 +38,10 @@ using V = typename Lanes<T>::type;
 
 template <class T>
 inline V<T> fromBits(__m256i v) {
-    if constexpr (std::is_same_v<T, float>) return _mm256_castsi256_ps(v);
-    else return v;
+    if constexpr (std::is_same_v<T, float>)
+        return _mm256_castsi256_ps(v);
+    else
+        return v;
 }
 
 template <class T>
@@ -127,8 +129,10 @@ class Source {
 public:
     Source(const T* base, int step, int c) : base_(base), step_(step), c_(c), picker_(sizeof(T), c) {}
     SourceRow<T, C> row(int y) const {
-        if constexpr (C == 1) return SourceRow<T, 1>{rowAt(base_, step_, y)};
-        else return SourceRow<T, 3>{rowAt(base_, step_, y), &picker_, c_};
+        if constexpr (C == 1)
+            return SourceRow<T, 1>{rowAt(base_, step_, y)};
+        else
+            return SourceRow<T, 3>{rowAt(base_, step_, y), &picker_, c_};
     }
 
 private:
@@ -152,8 +156,8 @@ template <class T>
 inline Selection<T> selectionOf(const Lum8u* m) {
     const __m128i zero = _mm_setzero_si128();
     if constexpr (sizeof(T) == 1) {
-        const __m256i eq = _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(m)),
-                                             _mm256_setzero_si256());
+        const __m256i eq =
+            _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(m)), _mm256_setzero_si256());
         return {eq, 32 - _mm_popcnt_u32(static_cast<unsigned>(_mm256_movemask_epi8(eq)))};
     } else if constexpr (sizeof(T) == 2) {
         const __m128i eq = _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), zero);
@@ -175,8 +179,10 @@ inline Selection<T> selectionTail(const Lum8u* m, int n) {
 // Zero in the unselected lanes, the sample elsewhere.
 template <class T>
 inline V<T> keepSelected(V<T> v, V<T> unselected) {
-    if constexpr (std::is_same_v<T, float>) return _mm256_andnot_ps(unselected, v);
-    else return _mm256_andnot_si256(unselected, v);
+    if constexpr (std::is_same_v<T, float>)
+        return _mm256_andnot_ps(unselected, v);
+    else
+        return _mm256_andnot_si256(unselected, v);
 }
 
 // ------------------------------------------------------------ row scan
@@ -194,8 +200,10 @@ template <bool kMasked, class T, class Body, class... Rows>
 inline void scanRow(const Lum8u* mask, int width, T pad, Body&& body, const Rows&... rows) {
     constexpr int G = kGroup<T>;
     const auto selection = [mask](int x) {
-        if constexpr (kMasked) return selectionOf<T>(mask + x);
-        else return Selection<T>{};
+        if constexpr (kMasked)
+            return selectionOf<T>(mask + x);
+        else
+            return Selection<T>{};
     };
     int x = 0;
     for (; x + 2 * G <= width; x += 2 * G) {
@@ -206,7 +214,8 @@ inline void scanRow(const Lum8u* mask, int width, T pad, Body&& body, const Rows
         body(selection(x), rows.group(x)...);
         x += G;
     }
-    if (x < width) body(selectionTail<T>(kMasked ? mask + x : kAllSelected, width - x), rows.tail(x, width - x, pad)...);
+    if (x < width)
+        body(selectionTail<T>(kMasked ? mask + x : kAllSelected, width - x), rows.tail(x, width - x, pad)...);
 }
 
 // ------------------------------------------------------------ exact integer sums

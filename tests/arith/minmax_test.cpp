@@ -17,13 +17,13 @@ using namespace statstest;
 template <class T>
 struct Members;
 
-#define MINMAX_MEMBERS(T, t)                                                      \
-    template <>                                                                   \
-    struct Members<T> {                                                           \
-        static inline const auto c1 = STATS_NAMED(lumiMinMaxIndx_##t##_C1R);      \
-        static inline const auto c3 = STATS_NAMED(lumiMinMaxIndx_##t##_C3CR);     \
-        static inline const auto c1m = STATS_NAMED(lumiMinMaxIndx_##t##_C1MR);    \
-        static inline const auto c3m = STATS_NAMED(lumiMinMaxIndx_##t##_C3CMR);   \
+#define MINMAX_MEMBERS(T, t)                                                    \
+    template <>                                                                 \
+    struct Members<T> {                                                         \
+        static inline const auto c1 = STATS_NAMED(lumiMinMaxIndx_##t##_C1R);    \
+        static inline const auto c3 = STATS_NAMED(lumiMinMaxIndx_##t##_C3CR);   \
+        static inline const auto c1m = STATS_NAMED(lumiMinMaxIndx_##t##_C1MR);  \
+        static inline const auto c3m = STATS_NAMED(lumiMinMaxIndx_##t##_C3CMR); \
     };
 MINMAX_MEMBERS(Lum8u, 8u)
 MINMAX_MEMBERS(Lum16u, 16u)
@@ -81,11 +81,16 @@ Expected expect(const ref::Plane<T>& p, bool masked, int present, const Outputs&
     auto byIndex = [&](LumiPoint i) {
         return i.x == 0 && i.y == 0 && !firstSelected ? lumStatusEmptyMask : lumStatusOk;
     };
-    if (present & 4) x.status = byIndex(x.out.minIndex);
-    else if (present & 8) x.status = byIndex(x.out.maxIndex);
-    else if ((present & 3) == 0) x.status = lumStatusEmptyMask;
-    else if (((present & 1) && x.out.minVal != 0.0f) || ((present & 2) && x.out.maxVal != 0.0f)) x.status = lumStatusOk;
-    else x.status = e.anySelected ? lumStatusOk : lumStatusEmptyMask;
+    if (present & 4)
+        x.status = byIndex(x.out.minIndex);
+    else if (present & 8)
+        x.status = byIndex(x.out.maxIndex);
+    else if ((present & 3) == 0)
+        x.status = lumStatusEmptyMask;
+    else if (((present & 1) && x.out.minVal != 0.0f) || ((present & 2) && x.out.maxVal != 0.0f))
+        x.status = lumStatusOk;
+    else
+        x.status = e.anySelected ? lumStatusOk : lumStatusEmptyMask;
     return x;
 }
 
@@ -171,8 +176,8 @@ TYPED_TEST(MinMaxSweep, LargeImagesMatchReference) {
             fillMask(mask, MaskKind::Half, rng);
             Outputs got;
             const LumStatus st = callMinMax(img, masked ? &mask : nullptr, 2, got, 15);
-            const Expected want = expect(ref::planeOf(img, channels == 3 ? 1 : 0, masked ? &mask : nullptr), masked,
-                                         15, Outputs{});
+            const Expected want =
+                expect(ref::planeOf(img, channels == 3 ? 1 : 0, masked ? &mask : nullptr), masked, 15, Outputs{});
             EXPECT_EQ(st, want.status);
             EXPECT_TRUE(sameOutputs(got, want.out));
         }
@@ -229,7 +234,8 @@ TEST(MinMaxEdges, NoOutputsAtAllIsAnEmptyMaskEvenWithAFullMask) {
               lumStatusEmptyMask);
     // Indices without their values: nothing is computed either.
     LumiPoint mi{0, 0}, xi{0, 0};
-    EXPECT_EQ(lumiMinMaxIndx_8u_C1MR(img.data(), 32, mask.data(), 32, {32, 2}, nullptr, nullptr, &mi, &xi), lumStatusOk);
+    EXPECT_EQ(lumiMinMaxIndx_8u_C1MR(img.data(), 32, mask.data(), 32, {32, 2}, nullptr, nullptr, &mi, &xi),
+              lumStatusOk);
     // Unmasked members never warn.
     EXPECT_EQ(lumiMinMaxIndx_8u_C1R(img.data(), 32, {32, 2}, nullptr, nullptr, nullptr, nullptr), lumStatusOk);
 }

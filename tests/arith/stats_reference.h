@@ -21,8 +21,8 @@ template <class T>
 struct Plane {
     int width = 0;
     int height = 0;
-    std::vector<T> v;             // width x height samples
-    std::vector<uint8_t> mask;    // width x height bytes, or empty
+    std::vector<T> v;           // width x height samples
+    std::vector<uint8_t> mask;  // width x height bytes, or empty
     T at(int x, int y) const { return v[static_cast<size_t>(y) * width + x]; }
     bool selected(int x, int y) const { return mask.empty() || mask[static_cast<size_t>(y) * width + x] != 0; }
 };
@@ -92,8 +92,8 @@ inline int groupsOf(int width) { return (width + 7) / 8; }
 // the whole image (the library's way), or alternatives for the choice tests.
 struct MeanModel {
     int flushGroups = 480;
-    bool flushEachRow = false;     // alternative: flush at every row's end
-    bool tailCountsAsGroup = true; // the partial group advances the count
+    bool flushEachRow = false;      // alternative: flush at every row's end
+    bool tailCountsAsGroup = true;  // the partial group advances the count
 };
 
 inline double meanFloat(const Plane<float>& p, MeanModel model = {}) {
@@ -237,13 +237,17 @@ struct Extremes {
 
 template <class T>
 constexpr T minSeed() {
-    if constexpr (std::is_same_v<T, float>) return std::numeric_limits<float>::max();
-    else return std::numeric_limits<T>::max();
+    if constexpr (std::is_same_v<T, float>)
+        return std::numeric_limits<float>::max();
+    else
+        return std::numeric_limits<T>::max();
 }
 template <class T>
 constexpr T maxSeed() {
-    if constexpr (std::is_same_v<T, float>) return -std::numeric_limits<float>::max();
-    else return 0;
+    if constexpr (std::is_same_v<T, float>)
+        return -std::numeric_limits<float>::max();
+    else
+        return 0;
 }
 
 // One search: better(a, b) says a strictly improves on b (false for NaN).
@@ -280,8 +284,10 @@ Extremes extremes(const Plane<T>& p) {
     for (int y = 0; y < p.height; ++y)
         for (int x = 0; x < p.width; ++x) e.anySelected |= p.selected(x, y);
     if (!e.anySelected) return e;
-    search(p, minSeed<T>(), [](T a, T b) { return a < b; }, e.minVal, e.minIndex);
-    search(p, maxSeed<T>(), [](T a, T b) { return a > b; }, e.maxVal, e.maxIndex);
+    search(
+        p, minSeed<T>(), [](T a, T b) { return a < b; }, e.minVal, e.minIndex);
+    search(
+        p, maxSeed<T>(), [](T a, T b) { return a > b; }, e.maxVal, e.maxIndex);
     return e;
 }
 
@@ -375,8 +381,10 @@ inline NormTotals normFloat(const Plane<float>& a, const Plane<float>* b, bool r
 
 template <class T>
 NormTotals normTotals(const Plane<T>& a, const Plane<T>* b, bool relative, Kind k) {
-    if constexpr (std::is_same_v<T, float>) return normFloat(a, b, relative, k);
-    else return normInt(a, b, relative, k);
+    if constexpr (std::is_same_v<T, float>)
+        return normFloat(a, b, relative, k);
+    else
+        return normInt(a, b, relative, k);
 }
 
 // The value of a norm and its status, from the totals.
