@@ -211,6 +211,23 @@ TEST(NormEdges, IntegerTotalsBecomeADoubleOnce) {
     EXPECT_FALSE(sameDouble(std::sqrt(ref::u64ToDouble(total)), std::sqrt(perRow)));
 }
 
+// 8u squares gather in 32-bit lanes that move to 64 bits every 8192 groups
+// of 32 pixels: far more groups than would overflow them, and one either
+// side of a widening.
+TEST(NormEdges, EightBitSquaresWidenBeforeTheyOverflow) {
+    for (int groups : {8191, 8192, 8193, 20000}) {
+        const int w = 32 * groups + 5;
+        std::vector<Lum8u> img(static_cast<size_t>(w), 255), mask(static_cast<size_t>(w), 1);
+        Lum64f v = 0;
+        ASSERT_EQ(lumiNorm_L2_8u_C1MR(img.data(), w, mask.data(), w, {w, 1}, &v), lumStatusOk);
+        EXPECT_SAME_DOUBLE(v, std::sqrt(65025.0 * w));
+        Lum64f mean = 0, sd = -1;
+        ASSERT_EQ(lumiMean_StdDev_8u_C1R(img.data(), w, {w, 1}, &mean, &sd), lumStatusOk);
+        EXPECT_EQ(mean, 255.0);
+        EXPECT_SAME_DOUBLE(sd, 0.0);
+    }
+}
+
 // The float Inf norm is a float maximum: NaN samples are skipped, as the
 // vector max keeps the running lanes, its second operand.
 TEST(NormEdges, ChoiceFloatInfNormSkipsNan) {

@@ -125,43 +125,23 @@ TEST(StatsOpenCv, MeanStdDevAgreeClosely) {
 
 // ------------------------------------------------------------ extremes
 
-// Untied data: a permutation of distinct values, so the first occurrence is
-// the only one and both libraries must name the same pixel.
-TEST(StatsOpenCv, ExtremesOfUntiedDataAgree) {
-    const int w = 300, h = 200;
-    std::vector<int> perm(static_cast<size_t>(w) * h);
-    std::iota(perm.begin(), perm.end(), 0);
-    std::shuffle(perm.begin(), perm.end(), std::mt19937(5));
-    cv::Mat f(h, w, CV_32FC1), u(h, w, CV_16UC1), b(h, w, CV_8UC1, cv::Scalar(100));
-    for (int i = 0; i < w * h; ++i) {
-        f.at<float>(i / w, i % w) = perm[i] * 0.37f - 9000.0f;
-        u.at<uint16_t>(i / w, i % w) = static_cast<uint16_t>(perm[i] % 65536 == perm[i] ? perm[i] : 65535);
-    }
-    b.at<uint8_t>(123, 45) = 3;
-    b.at<uint8_t>(7, 250) = 201;
-    const cv::Mat mask = ellipseMask(w, h);
-    for (bool masked : {false, true}) {
-        const cv::Mat& m = masked ? mask : cv::Mat();
+// Both searches of one image, with and without the mask, beside cv::minMaxLoc.
+template <class T>
+void expectSameExtremes(const cv::Mat& img, const cv::Mat& mask,
+                        LumStatus (*plain)(const T*, int, LumiSize, Lum32f*, Lum32f*, LumiPoint*, LumiPoint*),
+                        LumStatus (*masked)(const T*, int, const Lum8u*, int, LumiSize, Lum32f*, Lum32f*, LumiPoint*,
+                                            LumiPoint*)) {
+    const LumiSize roi{img.cols, img.rows};
+    for (bool useMask : {false, true}) {
+        SCOPED_TRACE(useMask ? "masked" : "unmasked");
         Lum32f mn, mx;
         LumiPoint mi, xi;
         double cmn, cmx;
         cv::Point cmi, cxi;
-        cv::minMaxLoc(f, &cmn, &cmx, &cmi, &cxi, m);
-        const LumStatus st =
-            masked ? lumiMinMaxIndx_32f_C1MR(f.ptr<Lum32f>(), static_cast<int>(f.step), mask.data,
-                                             static_cast<int>(mask.step), {w, h}, &mn, &mx, &mi, &xi)
-                   : lumiMinMaxIndx_32f_C1R(f.ptr<Lum32f>(), static_cast<int>(f.step), {w, h}, &mn, &mx, &mi, &xi);
-        ASSERT_EQ(st, lumStatusOk);
-        EXPECT_EQ(mn, cmn);
-        EXPECT_EQ(mx, cmx);
-        EXPECT_EQ(mi.x, cmi.x);
-        EXPECT_EQ(mi.y, cmi.y);
-        EXPECT_EQ(xi.x, cxi.x);
-        EXPECT_EQ(xi.y, cxi.y);
-        cv::minMaxLoc(b, &cmn, &cmx, &cmi, &cxi, m);
-        ASSERT_EQ(masked ? lumiMinMaxIndx_8u_C1MR(b.data, static_cast<int>(b.step), mask.data,
-                                                  static_cast<int>(mask.step), {w, h}, &mn, &mx, &mi, &xi)
-                         : lumiMinMaxIndx_8u_C1R(b.data, static_cast<int>(b.step), {w, h}, &mn, &mx, &mi, &xi),
+        cv::minMaxLoc(img, &cmn, &cmx, &cmi, &cxi, useMask ? mask : cv::Mat());
+        const int step = static_cast<int>(img.step);
+        ASSERT_EQ(useMask ? masked(img.ptr<T>(), step, mask.data, static_cast<int>(mask.step), roi, &mn, &mx, &mi, &xi)
+                          : plain(img.ptr<T>(), step, roi, &mn, &mx, &mi, &xi),
                   lumStatusOk);
         EXPECT_EQ(mn, cmn);
         EXPECT_EQ(mx, cmx);
@@ -170,17 +150,27 @@ TEST(StatsOpenCv, ExtremesOfUntiedDataAgree) {
         EXPECT_EQ(xi.x, cxi.x);
         EXPECT_EQ(xi.y, cxi.y);
     }
-    // 16u without a mask: the values at 65535 tie, so compare the minimum only.
-    Lum32f mn;
-    LumiPoint mi;
-    double cmn;
-    cv::Point cmi;
-    cv::minMaxLoc(u, &cmn, nullptr, &cmi, nullptr);
-    ASSERT_EQ(lumiMinMaxIndx_16u_C1R(u.ptr<Lum16u>(), static_cast<int>(u.step), {w, h}, &mn, nullptr, &mi, nullptr),
-              lumStatusOk);
-    EXPECT_EQ(mn, cmn);
-    EXPECT_EQ(mi.x, cmi.x);
-    EXPECT_EQ(mi.y, cmi.y);
+}
+
+// Untied data: a permutation of distinct values (8u: one darkest and one
+// brightest pixel), so the first occurrence is the only one and both
+// libraries must name the same pixel.
+TEST(StatsOpenCv, ExtremesOfUntiedDataAgree) {
+    const int w = 300, h = 200;
+    std::vector<int> perm(static_cast<size_t>(w) * h);
+    std::iota(perm.begin(), perm.end(), 0);
+    std::shuffle(perm.begin(), perm.end(), std::mt19937(5));
+    cv::Mat f(h, w, CV_32FC1), u(h, w, CV_16UC1), b(h, w, CV_8UC1, cv::Scalar(100));
+    for (int i = 0; i < w * h; ++i) {
+        f.at<float>(i / w, i % w) = perm[i] * 0.37f - 9000.0f;
+        u.at<uint16_t>(i / w, i % w) = static_cast<uint16_t>(perm[i]);
+    }
+    b.at<uint8_t>(123, 45) = 3;
+    b.at<uint8_t>(107, 250) = 201;
+    const cv::Mat mask = ellipseMask(w, h);
+    expectSameExtremes<Lum32f>(f, mask, lumiMinMaxIndx_32f_C1R, lumiMinMaxIndx_32f_C1MR);
+    expectSameExtremes<Lum16u>(u, mask, lumiMinMaxIndx_16u_C1R, lumiMinMaxIndx_16u_C1MR);
+    expectSameExtremes<Lum8u>(b, mask, lumiMinMaxIndx_8u_C1R, lumiMinMaxIndx_8u_C1MR);
 }
 
 // ------------------------------------------------------------ norms

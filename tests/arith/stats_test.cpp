@@ -245,6 +245,32 @@ TEST(StatsFloatLanes, ChoiceLowLanesFlushBeforeHighLanes) {
     EXPECT_FALSE(sameDouble(got, (0x1p60 + 256.0) / width));
 }
 
+// Pixel x of a row is summed in float lane x % 8 of one accumulator, a row's
+// partial last group in its first lanes, and every row starts again at lane
+// 0. With 2^24 in lane 0, further ones in lane 0 vanish; in other lanes they
+// would count.
+TEST(StatsFloatLanes, ChoicePixelXSumsInLaneXMod8) {
+    std::vector<Lum32f> img(17 * 2, 0.0f);
+    std::vector<Lum8u> mask(17 * 2, 1);
+    img[0] = 0x1p24f;  // row 0, lane 0
+    img[8] = 1.0f;     // row 0, lane 0 of the second group
+    img[16] = 1.0f;    // row 0, lane 0 of the partial group
+    img[17] = 1.0f;    // row 1, x 0: lane 0 again
+    Lum64f got = 0;
+    ASSERT_EQ(lumiMean_32f_C1MR(img.data(), 4 * 17, mask.data(), 17, {17, 2}, &got), lumStatusOk);
+    EXPECT_SAME_DOUBLE(got, 0x1p24 / 34);
+    // The norms sum a row the same way; they flush at each row's end, so
+    // row 1's one survives there.
+    Lum64f l1 = 0;
+    ASSERT_EQ(lumiNorm_L1_32f_C1MR(img.data(), 4 * 17, mask.data(), 17, {17, 2}, &l1), lumStatusOk);
+    EXPECT_SAME_DOUBLE(l1, 0x1p24 + 1.0);
+    // One channel of three lands in the same lanes.
+    std::vector<Lum32f> rgb(3 * 17, 5.0f);
+    for (int x = 0; x < 17; ++x) rgb[3 * x + 1] = img[x];
+    ASSERT_EQ(lumiMean_32f_C3CMR(rgb.data(), 12 * 17, mask.data(), 17, {17, 1}, 2, &got), lumStatusOk);
+    EXPECT_SAME_DOUBLE(got, 0x1p24 / 17);
+}
+
 // The deviation's float lanes go into the four doubles at each row's end, the
 // same way as the mean's, rather than summed across in float first.
 TEST(StatsFloatLanes, ChoiceDeviationRowLanesFlushLikeTheMean) {
