@@ -187,7 +187,8 @@ inline V<T> keepSelected(V<T> v, V<T> unselected) {
 
 // ------------------------------------------------------------ row scan
 
-// Every pixel selected: the mask of a full row of an unmasked image.
+// A mask that selects everything: the last, partial group of an unmasked row
+// takes its selection (present lanes only) from it.
 alignas(32) inline constexpr Lum8u kAllSelected[32] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1,
                                                        1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
 

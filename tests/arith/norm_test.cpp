@@ -245,6 +245,18 @@ TEST(NormEdges, ChoiceFloatInfNormSkipsNan) {
     EXPECT_TRUE(std::isnan(v));
 }
 
+// A float difference is formed and rounded in float before its magnitude is
+// summed: 1 - 2^-30 is 1.0f there, not the double just below 1.
+TEST(NormEdges, ChoiceFloatDifferenceRoundsToFloat) {
+    std::vector<Lum32f> a = {1.0f}, b = {0x1p-30f};
+    std::vector<Lum8u> mask = {1};
+    Lum64f v = 0;
+    ASSERT_EQ(lumiNormDiff_L1_32f_C1MR(a.data(), 4, b.data(), 4, mask.data(), 1, {1, 1}, &v), lumStatusOk);
+    EXPECT_SAME_DOUBLE(v, 1.0);
+    ASSERT_EQ(lumiNormDiff_Inf_32f_C1MR(a.data(), 4, b.data(), 4, mask.data(), 1, {1, 1}, &v), lumStatusOk);
+    EXPECT_SAME_DOUBLE(v, 1.0);
+}
+
 TEST(NormEdges, DifferencesAreFormedInTheWiderType) {
     std::vector<Lum8u> a = {0, 255, 10}, b = {255, 0, 10};
     std::vector<Lum8u> mask = {1, 1, 1};
