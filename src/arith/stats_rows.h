@@ -266,32 +266,40 @@ private:
     int pending_ = 0;
 };
 
-// The same for 16u lanes. Sums go through the byte sums of the low and the
-// high bytes. Squares use s = u - 32768, whose pairwise squares fit 32
-// unsigned bits: u^2 = s^2 + 65536 u - 2^30, summed over every lane read
-// (zeros included).
+// The same for 16u lanes, through s = u - 32768 (the sample with its top bit
+// flipped), a signed 16-bit value: pairwise sums of s gather in 32-bit lanes
+// (moved to 64 bits every 16384 groups), pairwise squares of s fit 32
+// unsigned bits. Over every lane read, zeros included:
+//   sum u = sum s + 32768 n,   sum u^2 = sum s^2 + 65536 sum u - 2^30 n.
 template <bool kSquares>
 class SumsU16 {
 public:
     void add(__m256i v) {
-        const __m256i zero = _mm256_setzero_si256();
-        const __m256i lowBytes = _mm256_and_si256(v, _mm256_set1_epi16(0xff));
-        const __m256i highBytes = _mm256_srli_epi16(v, 8);
-        sum_ = _mm256_add_epi64(sum_, _mm256_add_epi64(_mm256_sad_epu8(lowBytes, zero),
-                                                       _mm256_slli_epi64(_mm256_sad_epu8(highBytes, zero), 8)));
-        if constexpr (kSquares) {
-            const __m256i s = _mm256_xor_si256(v, _mm256_set1_epi16(static_cast<short>(0x8000)));
-            sq64_ = addU32To64(sq64_, _mm256_madd_epi16(s, s));
-            lanes_ += 16;
-        }
+        const __m256i s = _mm256_xor_si256(v, _mm256_set1_epi16(static_cast<short>(0x8000)));
+        sum32_ = _mm256_add_epi32(sum32_, _mm256_madd_epi16(s, _mm256_set1_epi16(1)));
+        if constexpr (kSquares) sq64_ = addU32To64(sq64_, _mm256_madd_epi16(s, s));
+        lanes_ += 16;
+        if (++pending_ == 16384) widen();
     }
-    uint64_t sum() const { return sumLanes64(sum_); }
-    uint64_t sumSquares() const { return sumLanes64(sq64_) + 65536u * sum() - (lanes_ << 30); }
+    uint64_t sum() {
+        widen();
+        return sumLanes64(sum64_) + (lanes_ << 15);
+    }
+    uint64_t sumSquares() { return sumLanes64(sq64_) + 65536u * sum() - (lanes_ << 30); }
 
 private:
-    __m256i sum_ = _mm256_setzero_si256();
+    // The signed 32-bit sums, sign-extended, into the 64-bit lanes.
+    void widen() {
+        sum64_ = _mm256_add_epi64(sum64_, _mm256_cvtepi32_epi64(_mm256_castsi256_si128(sum32_)));
+        sum64_ = _mm256_add_epi64(sum64_, _mm256_cvtepi32_epi64(_mm256_extracti128_si256(sum32_, 1)));
+        sum32_ = _mm256_setzero_si256();
+        pending_ = 0;
+    }
+    __m256i sum32_ = _mm256_setzero_si256();
+    __m256i sum64_ = _mm256_setzero_si256();
     __m256i sq64_ = _mm256_setzero_si256();
     uint64_t lanes_ = 0;
+    int pending_ = 0;
 };
 
 template <class T, bool kSquares>

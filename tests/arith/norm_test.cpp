@@ -305,4 +305,25 @@ TYPED_TEST(NormSweep, OrderOfChecks) {
         }
 }
 
+// Only the one-image norms of samples wider than a byte test the mask's step
+// after the alignment of the source's step; the difference and relative
+// norms, and every 8u norm, test it with the other steps. A short mask step
+// beside a misaligned source step tells the two apart.
+TEST(NormChecks, ChoiceOnlyOneImageWideNormsTestTheMaskStepAfterAlignment) {
+    alignas(32) Lum32f f[64] = {};
+    alignas(32) Lum16u u[64] = {};
+    alignas(32) Lum8u b[64] = {};
+    const Lum8u mask[16] = {1, 1, 1, 1, 1, 1, 1, 1};
+    Lum64f v = -3;
+    EXPECT_EQ(lumiNorm_L1_32f_C1MR(f, 17, mask, 3, {4, 2}, &v), lumStatusStepNotAligned);
+    EXPECT_EQ(lumiNorm_Inf_16u_C3CMR(u, 25, mask, 3, {4, 2}, 1, &v), lumStatusStepNotAligned);
+    EXPECT_EQ(lumiNorm_L2_32f_C1MR(f, 16, mask, 3, {4, 2}, &v), lumStatusBadStep);
+    EXPECT_EQ(lumiNormDiff_L1_32f_C1MR(f, 17, f, 16, mask, 3, {4, 2}, &v), lumStatusBadStep);
+    EXPECT_EQ(lumiNormRel_L2_16u_C1MR(u, 9, u, 8, mask, 3, {4, 2}, &v), lumStatusBadStep);
+    EXPECT_EQ(lumiNorm_L1_8u_C1MR(b, 5, mask, 3, {4, 2}, &v), lumStatusBadStep);
+    // The statistics test the mask with the steps as well.
+    EXPECT_EQ(lumiMean_32f_C1MR(f, 17, mask, 3, {4, 2}, &v), lumStatusBadStep);
+    EXPECT_EQ(v, -3.0);
+}
+
 }  // namespace

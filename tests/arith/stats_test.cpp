@@ -164,6 +164,39 @@ TEST(StatsEdges, SixteenBitSquaresAreExact) {
     EXPECT_SAME_DOUBLE(sd, ref::onePassDeviation(m, static_cast<double>(q) / 1200.0));
 }
 
+// 16u sums gather in signed 32-bit lanes (the samples taken less 32768) that
+// move to 64 bits every 16384 groups of 16 pixels. Rows of the two extreme
+// samples, one group either side of a widening and long enough that lanes
+// never widened would overflow; the norms carry their sums across rows.
+TEST(StatsEdges, SixteenBitSumsWidenBeforeTheyOverflow) {
+    for (Lum16u v : {Lum16u{0}, Lum16u{65535}})
+        for (int groups : {16383, 16384, 16385, 40000}) {
+            SCOPED_TRACE(std::to_string(v) + " x " + std::to_string(groups) + " groups");
+            const int w = 16 * groups + 5;
+            std::vector<Lum16u> img(static_cast<size_t>(w), v);
+            std::vector<Lum8u> mask(static_cast<size_t>(w), 1);
+            Lum64f mean = -1, sd = -1;
+            ASSERT_EQ(lumiMean_StdDev_16u_C1R(img.data(), 2 * w, {w, 1}, &mean, &sd), lumStatusOk);
+            EXPECT_EQ(mean, static_cast<double>(v));
+            EXPECT_SAME_DOUBLE(sd, 0.0);
+            ASSERT_EQ(lumiMean_16u_C1MR(img.data(), 2 * w, mask.data(), w, {w, 1}, &mean), lumStatusOk);
+            EXPECT_EQ(mean, static_cast<double>(v));
+            Lum64f l1 = -1, l2 = -1;
+            ASSERT_EQ(lumiNorm_L1_16u_C1MR(img.data(), 2 * w, mask.data(), w, {w, 1}, &l1), lumStatusOk);
+            EXPECT_SAME_DOUBLE(l1, static_cast<double>(v) * w);
+            ASSERT_EQ(lumiNorm_L2_16u_C1MR(img.data(), 2 * w, mask.data(), w, {w, 1}, &l2), lumStatusOk);
+            EXPECT_SAME_DOUBLE(l2, std::sqrt(static_cast<double>(v) * v * w));
+        }
+    // A norm's sums go on over the rows: 40 rows of 1000 groups.
+    const int w = 16 * 1000, h = 40;
+    std::vector<Lum16u> img(static_cast<size_t>(w) * h, 65535);
+    std::vector<Lum8u> mask(static_cast<size_t>(w) * h, 0);
+    for (size_t i = 0; i < mask.size(); i += 2) mask[i] = 1;  // the unselected half reads as zeros
+    Lum64f l1 = -1;
+    ASSERT_EQ(lumiNorm_L1_16u_C1MR(img.data(), 2 * w, mask.data(), w, {w, h}, &l1), lumStatusOk);
+    EXPECT_SAME_DOUBLE(l1, 65535.0 * (w / 2) * h);
+}
+
 // ------------------------------------------------------------ the float lanes
 
 // A float image whose lane sums round differently under the alternatives.
