@@ -170,9 +170,12 @@ T randomValue(Rng& rng) {
     if constexpr (std::is_same_v<T, Lum32s>) {
         return rng.chance(0.3) ? 0 : static_cast<Lum32s>(rng.bits());
     } else if constexpr (std::is_same_v<T, Lum32f>) {
-        return rng.chance(0.3) ? 0.0f : static_cast<float>(rng.uniformReal(-1e6, 1e6));
+        // Small fractional offsets make every later sum round in float.
+        if (rng.chance(0.3)) return 0.0f;
+        return static_cast<float>(rng.chance(0.5) ? rng.uniformReal(-1.0, 1.0) : rng.uniformReal(-1e6, 1e6));
     } else if constexpr (std::is_same_v<T, Lum64f>) {
-        return rng.chance(0.3) ? 0.0 : rng.uniformReal(-1e12, 1e12);
+        if (rng.chance(0.3)) return 0.0;
+        return rng.chance(0.5) ? rng.uniformReal(-1.0, 1.0) : rng.uniformReal(-1e12, 1e12);
     } else {
         return T{};
     }
@@ -449,6 +452,37 @@ TEST(IntegralEdges, TiltedOneByOneTakesTheLastColumnRule) {
     EXPECT_EQ(q[7], 82.0);
     EXPECT_EQ(q[6], 1.0);
     EXPECT_EQ(q[8], 1.0);
+}
+
+// The tilted recurrence of 32f results runs in double and rounds once: with a
+// fractional offset the same steps in float round differently.
+TEST(IntegralEdges, TiltedFloatRecurrenceRunsInDouble) {
+    LUMTEST_REPLAYABLE();
+    Rng rng;
+    const int w = 40, h = 30;
+    std::vector<Lum8u> s(static_cast<size_t>(w) * h);
+    for (Lum8u& v : s) v = static_cast<Lum8u>(rng.bits());
+    const float value = 0.1f;
+    const std::vector<float> want = ref::tilted<Lum32f>(s, w, h, value, ref::identity);
+    // The same recurrence with every step rounded to float.
+    std::vector<float> single(want.size());
+    const int cols = w + 2;
+    for (int x = 0; x < 2 * cols; ++x) single[x] = value;
+    for (int i = 0; i < h; ++i) {
+        const float* t0 = &single[static_cast<size_t>(i) * cols];
+        const float* t1 = t0 + cols;
+        float* t2 = &single[static_cast<size_t>(i + 2) * cols];
+        t2[0] = t1[1];
+        for (int x = 0; x < w; ++x) {
+            const int sum = s[static_cast<size_t>(i) * w + x] + (x + 1 < w ? s[static_cast<size_t>(i) * w + x + 1] : 0);
+            t2[x + 1] = ((t1[x] - t0[x + 1]) + t1[x + 2]) + static_cast<float>(sum);
+        }
+        t2[w + 1] = t1[w];
+    }
+    ASSERT_FALSE(lumtest::sameBits(single.data(), want.data(), static_cast<int>(want.size())));
+    std::vector<float> got(want.size());
+    ASSERT_EQ(lumiTiltedIntegral_8u32f_C1R(s.data(), w, got.data(), cols * 4, {w, h}, value), lumStatusOk);
+    EXPECT_TRUE(lumtest::sameBits(got.data(), want.data(), static_cast<int>(want.size())));
 }
 
 // The first and last columns of a tilted result copy the row above's second
