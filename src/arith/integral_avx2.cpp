@@ -1,8 +1,8 @@
 // Plain integral images, AVX2.
 //
-// 8u sources: the running row sum r is formed sixteen samples at a time as
-// a prefix sum (bytes widened to 16 bits, three shift-add steps over each
-// half's eight lanes, widened to 32 bits) plus the total carried from the
+// 8u sources: the running row sum r is formed 32 samples at a time as a
+// prefix sum (bytes widened to 16 bits, three shift-add steps over each
+// half's eight lanes, extended to 32 bits) plus the total carried from the
 // blocks before, held broadcast in every lane. Each result row is then the
 // row above plus r, one vector add per eight elements.
 //
@@ -37,7 +37,7 @@ struct NoSqr {};
 
 inline __m256i broadcastLast(__m256i v) { return _mm256_permutevar8x32_epi32(v, _mm256_set1_epi32(7)); }
 
-// Prefix sums of each half's eight 16-bit lanes (at most 8 x 255).
+// Prefix sums of each half's eight 16-bit lanes (three shift-add steps).
 inline __m256i prefix8x16(__m256i v) {
     v = _mm256_add_epi16(v, _mm256_slli_si256(v, 2));
     v = _mm256_add_epi16(v, _mm256_slli_si256(v, 4));
@@ -53,165 +53,236 @@ inline __m256i prefix8x32(__m256i v) {
     return _mm256_add_epi32(v, _mm256_permute2x128_si256(last, last, 0x08));  // + (0 0 0 0 | l3 l3 l3 l3)
 }
 
-// Local prefix of sixteen values: lo holds samples 0..7, hi 8..15, total
-// the sum of all sixteen in every lane.
-struct Prefix16 {
-    __m256i lo, hi, total;
+// Local prefix of 32 values: v[0], v[1] hold the running sums at samples
+// 0..15 from the block's start; v[2], v[3] those at samples 16..31 from
+// sample 16, and half the sum of samples 0..15, in every lane, to add to them.
+constexpr int kBlockOf32 = 32;
+
+struct Prefix32 {
+    __m256i v[4];
+    __m256i half;
 };
 
-// w16: sixteen samples widened to 16 bits, samples 0..7 in the low half.
-inline Prefix16 samplePrefix(__m256i w16) {
-    const __m256i p = prefix8x16(w16);
-    const __m256i lo = _mm256_cvtepu16_epi32(_mm256_castsi256_si128(p));
-    const __m256i hi = _mm256_add_epi32(_mm256_cvtepu16_epi32(_mm256_extracti128_si256(p, 1)), broadcastLast(lo));
-    return {lo, hi, broadcastLast(hi)};
+// Running sums of 32 samples. The pair sums (s0 + s1, s2 + s3, ...) in
+// 16-bit lanes are prefixed over each half's eight lanes, which gives the
+// running sums at the odd samples, sixteen samples a half; the even ones are
+// those minus the odd sample. Interleaved and extended to 32 bits.
+inline Prefix32 samplePrefix(__m256i bytes) {
+    const __m256i odd = prefix8x16(_mm256_maddubs_epi16(bytes, _mm256_set1_epi8(1)));  // P1 P3 .. P15 | P17 .. P31
+    const __m256i even = _mm256_sub_epi16(odd, _mm256_srli_epi16(bytes, 8));         // P0 P2 .. P14 | P16 .. P30
+    const __m256i lo = _mm256_unpacklo_epi16(even, odd);                               // P0 .. P7  | P16 .. P23
+    const __m256i hi = _mm256_unpackhi_epi16(even, odd);                               // P8 .. P15 | P24 .. P31
+    Prefix32 p;
+    p.v[0] = _mm256_cvtepu16_epi32(_mm256_castsi256_si128(lo));
+    p.v[1] = _mm256_cvtepu16_epi32(_mm256_castsi256_si128(hi));
+    p.v[2] = _mm256_cvtepu16_epi32(_mm256_extracti128_si256(lo, 1));
+    p.v[3] = _mm256_cvtepu16_epi32(_mm256_extracti128_si256(hi, 1));
+    p.half = broadcastLast(p.v[1]);
+    return p;
 }
 
 // The same for the squares: a square (at most 65025) fits 16 unsigned bits,
-// its prefix does not, so the prefix runs in 32-bit lanes.
-inline Prefix16 squarePrefix(__m256i w16) {
-    const __m256i sq = _mm256_mullo_epi16(w16, w16);
-    const __m256i lo = prefix8x32(_mm256_cvtepu16_epi32(_mm256_castsi256_si128(sq)));
-    const __m256i hi =
-        _mm256_add_epi32(prefix8x32(_mm256_cvtepu16_epi32(_mm256_extracti128_si256(sq, 1))), broadcastLast(lo));
-    return {lo, hi, broadcastLast(hi)};
+// its running sum does not, so the prefix runs in 32-bit lanes, sixteen
+// samples at a time.
+inline Prefix32 squarePrefix(__m256i bytes) {
+    Prefix32 p;
+    for (int k = 0; k < 2; ++k) {
+        const __m256i w16 = _mm256_cvtepu8_epi16(k == 0 ? _mm256_castsi256_si128(bytes) : _mm256_extracti128_si256(bytes, 1));
+        const __m256i sq = _mm256_mullo_epi16(w16, w16);
+        const __m256i lo = prefix8x32(_mm256_cvtepu16_epi32(_mm256_castsi256_si128(sq)));
+        p.v[2 * k] = lo;
+        p.v[2 * k + 1] = _mm256_add_epi32(prefix8x32(_mm256_cvtepu16_epi32(_mm256_extracti128_si256(sq, 1))),
+                                          broadcastLast(lo));
+    }
+    p.half = broadcastLast(p.v[1]);
+    return p;
 }
 
-// One result row of 32-bit elements whose running sum is an integer: Lum32s
-// results wrap, Lum32f results take r converted (exact while r <= 2^24).
-template <class T>
-struct Int32Sums {
+// Running sums of one row, block by block: next() turns a block's local
+// prefix into the running sums of the row and carries the last one on,
+// broadcast. Integer sums wrap.
+struct Int32Run {
+    using Vec = __m256i;
     __m256i carry = _mm256_setzero_si256();
-
-    static __m256i plus(__m256i above, __m256i r) { return _mm256_add_epi32(above, r); }
-    static __m256 plus(__m256 above, __m256i r) { return _mm256_add_ps(above, _mm256_cvtepi32_ps(r)); }
-
-    // n elements of prev + r into cur; n == 16 is a whole block.
-    template <bool masked>
-    void block(const T* prev, T* cur, const Prefix16& p, int n) {
-        const __m256i rlo = _mm256_add_epi32(p.lo, carry);
-        const __m256i rhi = _mm256_add_epi32(p.hi, carry);
-        carry = _mm256_add_epi32(carry, p.total);
-        if constexpr (!masked) {
-            Lanes<T>::store(cur, plus(Lanes<T>::load(prev), rlo));
-            Lanes<T>::store(cur + 8, plus(Lanes<T>::load(prev + 8), rhi));
-        } else {
-            const __m256i mlo = simd::firstLanes(std::min(n, 8));
-            const __m256i mhi = simd::firstLanes(std::max(n - 8, 0));
-            Lanes<T>::store(cur, mlo, plus(Lanes<T>::load(prev, mlo), rlo));
-            Lanes<T>::store(cur + 8, mhi, plus(Lanes<T>::load(prev + 8, mhi), rhi));
-        }
+    void next(const Prefix32& p, __m256i r[4]) {
+        const __m256i carryHigh = _mm256_add_epi32(carry, p.half);
+        r[0] = _mm256_add_epi32(p.v[0], carry);
+        r[1] = _mm256_add_epi32(p.v[1], carry);
+        r[2] = _mm256_add_epi32(p.v[2], carryHigh);
+        r[3] = _mm256_add_epi32(p.v[3], carryHigh);
+        carry = broadcastLast(r[3]);
     }
     int32_t carried() const { return _mm256_cvtsi256_si32(carry); }
 };
 
 // Squared sums in Lum64f: the running sum is a double, exact (a row's sum
 // of squares stays far below 2^53), so any grouping gives the same bits.
-struct Float64Sums {
+struct Float64Run {
+    using Vec = __m256d;
     __m256d carry = _mm256_setzero_pd();
-
-    template <bool masked>
-    void block(const Lum64f* prev, Lum64f* cur, const Prefix16& p, int n) {
-        const __m256d r[4] = {
-            _mm256_add_pd(carry, _mm256_cvtepi32_pd(_mm256_castsi256_si128(p.lo))),
-            _mm256_add_pd(carry, _mm256_cvtepi32_pd(_mm256_extracti128_si256(p.lo, 1))),
-            _mm256_add_pd(carry, _mm256_cvtepi32_pd(_mm256_castsi256_si128(p.hi))),
-            _mm256_add_pd(carry, _mm256_cvtepi32_pd(_mm256_extracti128_si256(p.hi, 1))),
-        };
-        carry = _mm256_add_pd(carry, _mm256_cvtepi32_pd(_mm256_castsi256_si128(p.total)));
-        for (int k = 0; k < 4; ++k) {
-            if constexpr (!masked) {
-                Lanes<Lum64f>::store(cur + 4 * k, _mm256_add_pd(Lanes<Lum64f>::load(prev + 4 * k), r[k]));
-            } else {
-                const int left = std::clamp(n - 4 * k, 0, 4);
-                const __m256i m = simd::firstLanes(2 * left);
-                Lanes<Lum64f>::store(cur + 4 * k, m, _mm256_add_pd(Lanes<Lum64f>::load(prev + 4 * k, m), r[k]));
-            }
+    void next(const Prefix32& p, __m256d r[8]) {
+        const __m256d carryHigh = _mm256_add_pd(carry, _mm256_cvtepi32_pd(_mm256_castsi256_si128(p.half)));
+        for (int k = 0; k < 8; ++k) {
+            const __m128i part = (k & 1) ? _mm256_extracti128_si256(p.v[k / 2], 1) : _mm256_castsi256_si128(p.v[k / 2]);
+            r[k] = _mm256_add_pd(k < 4 ? carry : carryHigh, _mm256_cvtepi32_pd(part));
         }
+        carry = _mm256_permute4x64_pd(r[7], 0xFF);
     }
     double carried() const { return _mm256_cvtsd_f64(carry); }
 };
 
-template <class Q>
-struct SqrSumsOf {
-    using type = Int32Sums<Lum32s>;
+// Per result type: how a row's running sums are kept and added to the row
+// above. Lum32f results take the integer sums converted, exact while they
+// stay at or below 2^24.
+template <class T>
+struct ResultOf;
+template <>
+struct ResultOf<Lum32s> {
+    using Run = Int32Run;
+    static __m256i plus(__m256i above, __m256i r) { return _mm256_add_epi32(above, r); }
 };
 template <>
-struct SqrSumsOf<Lum64f> {
-    using type = Float64Sums;
+struct ResultOf<Lum32f> {
+    using Run = Int32Run;
+    static __m256 plus(__m256 above, __m256i r) { return _mm256_add_ps(above, _mm256_cvtepi32_ps(r)); }
 };
 template <>
-struct SqrSumsOf<NoSqr> {
-    using type = NoSqr;
+struct ResultOf<Lum64f> {
+    using Run = Float64Run;
+    static __m256d plus(__m256d above, __m256d r) { return _mm256_add_pd(above, r); }
+};
+template <>
+struct ResultOf<NoSqr> {
+    using Run = NoSqr;
 };
 
+// One block of 32 columns (the first n when masked) of R result rows that
+// follow one another: the row above the first is loaded once, and each
+// row's results, the row above plus its running sums, stay in registers for
+// the next row.
+template <int R, bool masked, class T, class PrefixOf>
+inline void resultBlock(const T* above, T* const* rows, typename ResultOf<T>::Run* runs, const __m256i* bytes,
+                        int x, int n, PrefixOf prefixOf) {
+    constexpr int lanes = 32 / static_cast<int>(sizeof(T));
+    constexpr int vecs = kBlockOf32 / lanes;
+    using L = Lanes<T>;
+    auto mask = [n](int k) {
+        const int left = n - lanes * k;
+        return simd::firstLanes((left < 0 ? 0 : left > lanes ? lanes : left) * static_cast<int>(sizeof(T)) / 4);
+    };
+    decltype(L::load(above)) acc[vecs];
+    for (int k = 0; k < vecs; ++k) acc[k] = masked ? L::load(above + x + lanes * k, mask(k)) : L::load(above + x + lanes * k);
+    for (int i = 0; i < R; ++i) {
+        typename ResultOf<T>::Run::Vec r[vecs];
+        runs[i].next(prefixOf(bytes[i]), r);
+        for (int k = 0; k < vecs; ++k) {
+            acc[k] = ResultOf<T>::plus(acc[k], r[k]);
+            if constexpr (masked) L::store(rows[i] + x + lanes * k, mask(k), acc[k]);
+            else L::store(rows[i] + x + lanes * k, acc[k]);
+        }
+    }
+}
+
 // Columns below which a float row sum of 8u samples can't pass 2^24 within
-// the next block of sixteen: 255 x (x + 16) <= 2^24 for every x up to here.
-constexpr int kUncheckedColumns = (1 << 24) / 255 - 16;
+// the next block: 255 x (x + 32) <= 2^24 for every x up to here.
+constexpr int kUncheckedColumns = (1 << 24) / 255 - kBlockOf32;
 constexpr int32_t kExactFloatLimit = 1 << 24;
 
 // Integral (and squared integral) of an 8u source. D: Lum32s or Lum32f;
 // Q: NoSqr, Lum32s or Lum64f.
 template <class D, class Q>
-void plainRows(const Lum8u* src, int sStep, D* dst, int dStep, Q* sqr, int qStep, int w, int h, D value,
-               Q valueSqr) {
-    constexpr bool hasSqr = !std::is_same_v<Q, NoSqr>;
-    constexpr bool floatSum = std::is_same_v<D, Lum32f>;
-    isimd::fillRow(dst, w + 1, value);
-    if constexpr (hasSqr) isimd::fillRow(sqr, w + 1, valueSqr);
-    for (int y = 0; y < h; ++y) {
-        const Lum8u* s = rowAt(src, sStep, y);
-        // Both result rows point at column 1, the column of source sample 0.
-        const D* dp = rowAt(dst, dStep, y) + 1;
-        D* dc = rowAt(dst, dStep, y + 1) + 1;
-        dc[-1] = value;
+struct PlainIntegral {
+    static constexpr bool hasSqr = !std::is_same_v<Q, NoSqr>;
+    static constexpr bool floatSum = std::is_same_v<D, Lum32f>;
+
+    const Lum8u* src;
+    int sStep;
+    D* dst;
+    int dStep;
+    Q* sqr;
+    int qStep;
+    int w;
+    D value;
+    Q valueSqr;
+
+    // Source rows y .. y + R - 1 into result rows y + 1 .. y + R. With
+    // R == 1 a float sum may leave the vector path where it passes 2^24.
+    template <int R>
+    void rows(int y) const {
+        const Lum8u* s[R];
+        D* dc[R];
+        [[maybe_unused]] Q* qc[R];
+        const D* dp = rowAt(dst, dStep, y) + 1;  // column 1: that of source sample 0
         [[maybe_unused]] const Q* qp = nullptr;
-        [[maybe_unused]] Q* qc = nullptr;
-        if constexpr (hasSqr) {
-            qp = rowAt(sqr, qStep, y) + 1;
-            qc = rowAt(sqr, qStep, y + 1) + 1;
-            qc[-1] = valueSqr;
+        if constexpr (hasSqr) qp = rowAt(sqr, qStep, y) + 1;
+        for (int i = 0; i < R; ++i) {
+            s[i] = rowAt(src, sStep, y + i);
+            dc[i] = rowAt(dst, dStep, y + 1 + i) + 1;
+            dc[i][-1] = value;
+            if constexpr (hasSqr) {
+                qc[i] = rowAt(sqr, qStep, y + 1 + i) + 1;
+                qc[i][-1] = valueSqr;
+            }
         }
-        Int32Sums<D> sums;
-        [[maybe_unused]] typename SqrSumsOf<Q>::type sqrSums;
+        Int32Run runs[R];
+        [[maybe_unused]] typename ResultOf<Q>::Run sqrRuns[R];
         // Room for one more block while the float row sum stays exact.
         auto exactAhead = [&](int x) {
-            return !floatSum || x <= kUncheckedColumns || sums.carried() <= kExactFloatLimit - 16 * 255;
+            return !floatSum || R > 1 || x <= kUncheckedColumns || runs[0].carried() <= kExactFloatLimit - kBlockOf32 * 255;
         };
+        __m256i bytes[R];
         int x = 0;
-        for (; x + 16 <= w && exactAhead(x); x += 16) {
-            const __m256i w16 = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + x)));
-            sums.template block<false>(dp + x, dc + x, samplePrefix(w16), 16);
-            if constexpr (hasSqr) sqrSums.template block<false>(qp + x, qc + x, squarePrefix(w16), 16);
+        for (; x + kBlockOf32 <= w && exactAhead(x); x += kBlockOf32) {
+            for (int i = 0; i < R; ++i) bytes[i] = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s[i] + x));
+            resultBlock<R, false>(dp, dc, runs, bytes, x, kBlockOf32, samplePrefix);
+            if constexpr (hasSqr) resultBlock<R, false>(qp, qc, sqrRuns, bytes, x, kBlockOf32, squarePrefix);
         }
-        if (x < w && (x + 16 > w) && exactAhead(x)) {
-            // The last samples from a zero-padded copy, stored through masks.
-            alignas(16) uint8_t tail[16] = {};
-            std::memcpy(tail, s + x, static_cast<size_t>(w - x));
-            const __m256i w16 = _mm256_cvtepu8_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(tail)));
-            sums.template block<true>(dp + x, dc + x, samplePrefix(w16), w - x);
-            if constexpr (hasSqr) sqrSums.template block<true>(qp + x, qc + x, squarePrefix(w16), w - x);
+        if (x < w && x + kBlockOf32 > w && exactAhead(x)) {
+            // The last samples from zero-padded copies, stored through masks.
+            for (int i = 0; i < R; ++i) {
+                alignas(32) uint8_t tail[kBlockOf32] = {};
+                std::memcpy(tail, s[i] + x, static_cast<size_t>(w - x));
+                bytes[i] = _mm256_load_si256(reinterpret_cast<const __m256i*>(tail));
+            }
+            resultBlock<R, true>(dp, dc, runs, bytes, x, w - x, samplePrefix);
+            if constexpr (hasSqr) resultBlock<R, true>(qp, qc, sqrRuns, bytes, x, w - x, squarePrefix);
             x = w;
         }
-        if constexpr (floatSum) {
+        if constexpr (floatSum && R == 1) {
             // Past 2^24 the float row sum rounds: one sample at a time.
             if (x < w) {
-                float r = static_cast<float>(sums.carried());
-                [[maybe_unused]] auto rq = [&] {
-                    if constexpr (hasSqr) return sqrSums.carried();
-                    else return 0;
-                }();
+                float r = static_cast<float>(runs[0].carried());
+                [[maybe_unused]] double rq = 0.0;
+                if constexpr (hasSqr) rq = sqrRuns[0].carried();
                 for (; x < w; ++x) {
-                    r = r + static_cast<float>(s[x]);
-                    dc[x] = dp[x] + r;
-                    if constexpr (std::is_same_v<Q, Lum64f>) {
-                        rq = rq + static_cast<double>(s[x] * s[x]);
-                        qc[x] = qp[x] + rq;
+                    r = r + static_cast<float>(s[0][x]);
+                    dc[0][x] = dp[x] + r;
+                    if constexpr (hasSqr) {
+                        rq = rq + static_cast<double>(s[0][x] * s[0][x]);
+                        qc[0][x] = qp[x] + rq;
                     }
                 }
             }
         }
     }
+
+    void run(int h) const {
+        isimd::fillRow(dst, w + 1, value);
+        if constexpr (hasSqr) isimd::fillRow(sqr, w + 1, valueSqr);
+        // Pairs of rows share the loads of the row above; a float sum that
+        // may pass 2^24 goes one row at a time.
+        const bool pairs = !floatSum || w <= kUncheckedColumns + 1;
+        int y = 0;
+        if (pairs)
+            for (; y + 2 <= h; y += 2) rows<2>(y);
+        for (; y < h; ++y) rows<1>(y);
+    }
+};
+
+template <class D, class Q>
+void plainRows(const Lum8u* src, int sStep, D* dst, int dStep, Q* sqr, int qStep, int w, int h, D value,
+               Q valueSqr) {
+    PlainIntegral<D, Q>{src, sStep, dst, dStep, sqr, qStep, w, value, valueSqr}.run(h);
 }
 
 // ------------------------------------------------------------ 32f source
