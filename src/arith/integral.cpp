@@ -33,88 +33,82 @@ LumStatus checkIntegral(const S* src, int srcStep, const D* dst, int dstStep, Lu
     return lumStatusOk;
 }
 
+// Checks, then the kernel on (src, steps, width, height, offsets).
+template <int extra, class S, class D, class Kernel, class... Offsets>
+LumStatus runIntegral(Kernel kernel, const S* src, int srcStep, D* dst, int dstStep, LumiSize roi, Offsets... v) {
+    if (LumStatus st = checkIntegral<extra>(src, srcStep, dst, dstStep, roi)) return st;
+    kernel(src, srcStep, dst, dstStep, roi.width, roi.height, v...);
+    return lumStatusOk;
+}
+
+template <int extra, class D, class Q, class Kernel>
+LumStatus runSquared(Kernel kernel, const Lum8u* src, int srcStep, D* dst, int dstStep, Q* sqr, int sqrStep,
+                     LumiSize roi, D value, Q valueSqr) {
+    if (LumStatus st = checkIntegral<extra>(src, srcStep, dst, dstStep, roi, sqr, sqrStep)) return st;
+    kernel(src, srcStep, dst, dstStep, sqr, sqrStep, roi.width, roi.height, value, valueSqr);
+    return lumStatusOk;
+}
+
 }  // namespace
 
 LumStatus integral_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize) {
-    if (LumStatus st = checkIntegral<1>(src, srcStep, dst, dstStep, roiSize)) return st;
-    kernel::integral_32f(src, srcStep, dst, dstStep, roiSize.width, roiSize.height);
-    return lumStatusOk;
+    return runIntegral<1>(kernel::integral_32f, src, srcStep, dst, dstStep, roiSize);
 }
 
 LumStatus integral_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize,
                              Lum32f value) {
-    if (LumStatus st = checkIntegral<1>(src, srcStep, dst, dstStep, roiSize)) return st;
-    kernel::integral_8u32f(src, srcStep, dst, dstStep, roiSize.width, roiSize.height, value);
-    return lumStatusOk;
+    return runIntegral<1>(kernel::integral_8u32f, src, srcStep, dst, dstStep, roiSize, value);
 }
 
 LumStatus integral_8u32s_C1R(const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, LumiSize roiSize,
                              Lum32s value) {
-    if (LumStatus st = checkIntegral<1>(src, srcStep, dst, dstStep, roiSize)) return st;
-    kernel::integral_8u32s(src, srcStep, dst, dstStep, roiSize.width, roiSize.height, value);
-    return lumStatusOk;
+    return runIntegral<1>(kernel::integral_8u32s, src, srcStep, dst, dstStep, roiSize, value);
 }
 
 LumStatus sqrIntegral_8u32f64f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, Lum64f* sqr,
                                    int sqrStep, LumiSize roiSize, Lum32f value, Lum64f valueSqr) {
-    if (LumStatus st = checkIntegral<1>(src, srcStep, dst, dstStep, roiSize, sqr, sqrStep)) return st;
-    kernel::sqrIntegral_8u32f64f(src, srcStep, dst, dstStep, sqr, sqrStep, roiSize.width, roiSize.height, value,
-                                 valueSqr);
-    return lumStatusOk;
+    return runSquared<1>(kernel::sqrIntegral_8u32f64f, src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value,
+                         valueSqr);
 }
 
 LumStatus sqrIntegral_8u32s64f_C1R(const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, Lum64f* sqr,
                                    int sqrStep, LumiSize roiSize, Lum32s value, Lum64f valueSqr) {
-    if (LumStatus st = checkIntegral<1>(src, srcStep, dst, dstStep, roiSize, sqr, sqrStep)) return st;
-    kernel::sqrIntegral_8u32s64f(src, srcStep, dst, dstStep, sqr, sqrStep, roiSize.width, roiSize.height, value,
-                                 valueSqr);
-    return lumStatusOk;
+    return runSquared<1>(kernel::sqrIntegral_8u32s64f, src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value,
+                         valueSqr);
 }
 
 LumStatus sqrIntegral_8u32s_C1R(const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, Lum32s* sqr, int sqrStep,
                                 LumiSize roiSize, Lum32s value, Lum32s valueSqr) {
-    if (LumStatus st = checkIntegral<1>(src, srcStep, dst, dstStep, roiSize, sqr, sqrStep)) return st;
-    kernel::sqrIntegral_8u32s(src, srcStep, dst, dstStep, sqr, sqrStep, roiSize.width, roiSize.height, value,
-                              valueSqr);
-    return lumStatusOk;
+    return runSquared<1>(kernel::sqrIntegral_8u32s, src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value,
+                         valueSqr);
 }
 
 LumStatus tiltedIntegral_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize,
                                    Lum32f value) {
-    if (LumStatus st = checkIntegral<2>(src, srcStep, dst, dstStep, roiSize)) return st;
-    kernel::tiltedIntegral_8u32f(src, srcStep, dst, dstStep, roiSize.width, roiSize.height, value);
-    return lumStatusOk;
+    return runIntegral<2>(kernel::tiltedIntegral_8u32f, src, srcStep, dst, dstStep, roiSize, value);
 }
 
 LumStatus tiltedIntegral_8u32s_C1R(const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, LumiSize roiSize,
                                    Lum32s value) {
-    if (LumStatus st = checkIntegral<2>(src, srcStep, dst, dstStep, roiSize)) return st;
-    kernel::tiltedIntegral_8u32s(src, srcStep, dst, dstStep, roiSize.width, roiSize.height, value);
-    return lumStatusOk;
+    return runIntegral<2>(kernel::tiltedIntegral_8u32s, src, srcStep, dst, dstStep, roiSize, value);
 }
 
 LumStatus tiltedSqrIntegral_8u32f64f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, Lum64f* sqr,
                                          int sqrStep, LumiSize roiSize, Lum32f value, Lum64f valueSqr) {
-    if (LumStatus st = checkIntegral<2>(src, srcStep, dst, dstStep, roiSize, sqr, sqrStep)) return st;
-    kernel::tiltedSqrIntegral_8u32f64f(src, srcStep, dst, dstStep, sqr, sqrStep, roiSize.width, roiSize.height,
-                                       value, valueSqr);
-    return lumStatusOk;
+    return runSquared<2>(kernel::tiltedSqrIntegral_8u32f64f, src, srcStep, dst, dstStep, sqr, sqrStep, roiSize,
+                         value, valueSqr);
 }
 
 LumStatus tiltedSqrIntegral_8u32s64f_C1R(const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, Lum64f* sqr,
                                          int sqrStep, LumiSize roiSize, Lum32s value, Lum64f valueSqr) {
-    if (LumStatus st = checkIntegral<2>(src, srcStep, dst, dstStep, roiSize, sqr, sqrStep)) return st;
-    kernel::tiltedSqrIntegral_8u32s64f(src, srcStep, dst, dstStep, sqr, sqrStep, roiSize.width, roiSize.height,
-                                       value, valueSqr);
-    return lumStatusOk;
+    return runSquared<2>(kernel::tiltedSqrIntegral_8u32s64f, src, srcStep, dst, dstStep, sqr, sqrStep, roiSize,
+                         value, valueSqr);
 }
 
 LumStatus tiltedSqrIntegral_8u32s_C1R(const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, Lum32s* sqr,
                                       int sqrStep, LumiSize roiSize, Lum32s value, Lum32s valueSqr) {
-    if (LumStatus st = checkIntegral<2>(src, srcStep, dst, dstStep, roiSize, sqr, sqrStep)) return st;
-    kernel::tiltedSqrIntegral_8u32s(src, srcStep, dst, dstStep, sqr, sqrStep, roiSize.width, roiSize.height, value,
-                                    valueSqr);
-    return lumStatusOk;
+    return runSquared<2>(kernel::tiltedSqrIntegral_8u32s, src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value,
+                         valueSqr);
 }
 
 }  // namespace lum

@@ -32,8 +32,7 @@ namespace {
 
 using isimd::Lanes;
 
-// Stand-in for the squared result of members that have none.
-struct NoSqr {};
+using isimd::NoSqr;
 
 inline __m256i broadcastLast(__m256i v) { return _mm256_permutevar8x32_epi32(v, _mm256_set1_epi32(7)); }
 

@@ -11,6 +11,9 @@
 
 namespace lum::kernel::isimd {
 
+// Stand-in for the squared result of members that have none.
+struct NoSqr {};
+
 // First n of four 32-bit lanes on (0 <= n <= 4).
 inline __m128i firstLanes4(int n) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(simd::kLaneMask + 8 - n));

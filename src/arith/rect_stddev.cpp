@@ -1,6 +1,7 @@
 // Window standard deviations: validation of the exports, the window's
 // corners and normaliser, then one kernel call.
 #include <cstdint>
+#include <type_traits>
 
 #include "arith/rect_stddev_kernels.h"
 #include "frame/check.h"
@@ -64,62 +65,73 @@ float scaleOf(int scaleFactor) {
     return static_cast<float>(m);
 }
 
+// The window's corners, the columns its step test counts, and its area.
+struct Shape {
+    kernel::Window window;
+    int columns;
+    int area;
+};
+
+Shape upright(LumiSize roi, LumiRect r) { return {uprightWindow(r), uprightColumns(roi, r), mulWrap(r.width, r.height)}; }
+Shape tilted(LumiSize roi, LumiRect r) {
+    return {tiltedWindow(r), tiltedColumns(roi, r), mulWrap(mulWrap(2, r.width), r.height)};
+}
+
+// Members with a float result and a double normaliser.
+template <class I>
+LumStatus deviation(const I* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst, int dstStep,
+                    LumiSize roi, LumiRect rect, Shape (*shapeOf)(LumiSize, LumiRect)) {
+    const Shape shape = shapeOf(roi, rect);
+    if (LumStatus st = checkWindow(src, srcStep, sqr, sqrStep, dst, dstStep, roi, rect, shape.columns)) return st;
+    if constexpr (std::is_same_v<I, Lum32f>)
+        kernel::windowStdDev_32f(src, srcStep, sqr, sqrStep, dst, dstStep, roi.width, roi.height, shape.window,
+                                 normaliser(shape.area));
+    else
+        kernel::windowStdDev_32s32f(src, srcStep, sqr, sqrStep, dst, dstStep, roi.width, roi.height, shape.window,
+                                    normaliser(shape.area));
+    return lumStatusOk;
+}
+
+// The scaled 32s member, with a float normaliser.
+LumStatus scaledDeviation(const Lum32s* src, int srcStep, const Lum32s* sqr, int sqrStep, Lum32s* dst, int dstStep,
+                          LumiSize roi, LumiRect rect, int scaleFactor, Shape (*shapeOf)(LumiSize, LumiRect)) {
+    const Shape shape = shapeOf(roi, rect);
+    if (LumStatus st = checkWindow(src, srcStep, sqr, sqrStep, dst, dstStep, roi, rect, shape.columns)) return st;
+    kernel::windowStdDev_32s(src, srcStep, sqr, sqrStep, dst, dstStep, roi.width, roi.height, shape.window,
+                             normaliserFloat(shape.area), scaleOf(scaleFactor));
+    return lumStatusOk;
+}
+
 }  // namespace
 
 LumStatus rectStdDev_32f_C1R(const Lum32f* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
                              int dstStep, LumiSize roiSize, LumiRect rect) {
-    if (LumStatus st = checkWindow(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, uprightColumns(roiSize, rect)))
-        return st;
-    kernel::windowStdDev_32f(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize.width, roiSize.height,
-                             uprightWindow(rect), normaliser(mulWrap(rect.width, rect.height)));
-    return lumStatusOk;
+    return deviation(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, upright);
 }
 
 LumStatus rectStdDev_32s32f_C1R(const Lum32s* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
                                 int dstStep, LumiSize roiSize, LumiRect rect) {
-    if (LumStatus st = checkWindow(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, uprightColumns(roiSize, rect)))
-        return st;
-    kernel::windowStdDev_32s32f(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize.width, roiSize.height,
-                                uprightWindow(rect), normaliser(mulWrap(rect.width, rect.height)));
-    return lumStatusOk;
+    return deviation(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, upright);
 }
 
 LumStatus rectStdDev_32s_C1RSfs(const Lum32s* src, int srcStep, const Lum32s* sqr, int sqrStep, Lum32s* dst,
                                 int dstStep, LumiSize roiSize, LumiRect rect, int scaleFactor) {
-    if (LumStatus st = checkWindow(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, uprightColumns(roiSize, rect)))
-        return st;
-    kernel::windowStdDev_32s(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize.width, roiSize.height,
-                             uprightWindow(rect), normaliserFloat(mulWrap(rect.width, rect.height)),
-                             scaleOf(scaleFactor));
-    return lumStatusOk;
+    return scaledDeviation(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, scaleFactor, upright);
 }
 
 LumStatus tiltedRectStdDev_32f_C1R(const Lum32f* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
                                    int dstStep, LumiSize roiSize, LumiRect rect) {
-    if (LumStatus st = checkWindow(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, tiltedColumns(roiSize, rect)))
-        return st;
-    kernel::windowStdDev_32f(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize.width, roiSize.height,
-                             tiltedWindow(rect), normaliser(mulWrap(mulWrap(2, rect.width), rect.height)));
-    return lumStatusOk;
+    return deviation(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, tilted);
 }
 
 LumStatus tiltedRectStdDev_32s32f_C1R(const Lum32s* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
                                       int dstStep, LumiSize roiSize, LumiRect rect) {
-    if (LumStatus st = checkWindow(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, tiltedColumns(roiSize, rect)))
-        return st;
-    kernel::windowStdDev_32s32f(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize.width, roiSize.height,
-                                tiltedWindow(rect), normaliser(mulWrap(mulWrap(2, rect.width), rect.height)));
-    return lumStatusOk;
+    return deviation(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, tilted);
 }
 
 LumStatus tiltedRectStdDev_32s_C1RSfs(const Lum32s* src, int srcStep, const Lum32s* sqr, int sqrStep, Lum32s* dst,
                                       int dstStep, LumiSize roiSize, LumiRect rect, int scaleFactor) {
-    if (LumStatus st = checkWindow(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, tiltedColumns(roiSize, rect)))
-        return st;
-    kernel::windowStdDev_32s(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize.width, roiSize.height,
-                             tiltedWindow(rect), normaliserFloat(mulWrap(mulWrap(2, rect.width), rect.height)),
-                             scaleOf(scaleFactor));
-    return lumStatusOk;
+    return scaledDeviation(src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, scaleFactor, tilted);
 }
 
 }  // namespace lum

@@ -44,38 +44,19 @@ struct Corners {
           d(cornerRow(base, step, v, w.d)) {}
 };
 
-// (A - B) - (C - D) at eight pixels from u, of 32-bit elements; masked
-// lanes read nothing and give 0.
-template <bool masked>
-inline __m256 windowSum(const Corners<Lum32f>& k, int u, __m256i m) {
-    using L = Lanes<Lum32f>;
+inline __m256i sub(__m256i a, __m256i b) { return _mm256_sub_epi32(a, b); }
+inline __m256 sub(__m256 a, __m256 b) { return _mm256_sub_ps(a, b); }
+inline __m256d sub(__m256d a, __m256d b) { return _mm256_sub_pd(a, b); }
+
+// (A - B) - (C - D) over one vector from u: eight 32-bit or four 64-bit
+// elements; masked lanes read nothing and give 0.
+template <bool masked, class T>
+inline auto windowSum(const Corners<T>& k, int u, __m256i m) {
+    using L = Lanes<T>;
     if constexpr (masked)
-        return _mm256_sub_ps(_mm256_sub_ps(L::load(k.a + u, m), L::load(k.b + u, m)),
-                             _mm256_sub_ps(L::load(k.c + u, m), L::load(k.d + u, m)));
+        return sub(sub(L::load(k.a + u, m), L::load(k.b + u, m)), sub(L::load(k.c + u, m), L::load(k.d + u, m)));
     else
-        return _mm256_sub_ps(_mm256_sub_ps(L::load(k.a + u), L::load(k.b + u)),
-                             _mm256_sub_ps(L::load(k.c + u), L::load(k.d + u)));
-}
-template <bool masked>
-inline __m256i windowSum(const Corners<Lum32s>& k, int u, __m256i m) {
-    using L = Lanes<Lum32s>;
-    if constexpr (masked)
-        return _mm256_sub_epi32(_mm256_sub_epi32(L::load(k.a + u, m), L::load(k.b + u, m)),
-                                _mm256_sub_epi32(L::load(k.c + u, m), L::load(k.d + u, m)));
-    else
-        return _mm256_sub_epi32(_mm256_sub_epi32(L::load(k.a + u), L::load(k.b + u)),
-                                _mm256_sub_epi32(L::load(k.c + u), L::load(k.d + u)));
-}
-// Four doubles from u (half 0) or u + 4 (half 1).
-template <bool masked>
-inline __m256d windowSum(const Corners<Lum64f>& k, int u, __m256i m) {
-    using L = Lanes<Lum64f>;
-    if constexpr (masked)
-        return _mm256_sub_pd(_mm256_sub_pd(L::load(k.a + u, m), L::load(k.b + u, m)),
-                             _mm256_sub_pd(L::load(k.c + u, m), L::load(k.d + u, m)));
-    else
-        return _mm256_sub_pd(_mm256_sub_pd(L::load(k.a + u), L::load(k.b + u)),
-                             _mm256_sub_pd(L::load(k.c + u), L::load(k.d + u)));
+        return sub(sub(L::load(k.a + u), L::load(k.b + u)), sub(L::load(k.c + u), L::load(k.d + u)));
 }
 
 inline __m256d toDouble(__m128 v) { return _mm256_cvtps_pd(v); }

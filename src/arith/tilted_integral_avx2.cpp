@@ -27,7 +27,7 @@ namespace {
 
 using isimd::Lanes;
 
-struct NoSqr {};
+using isimd::NoSqr;
 
 // t2 = t1a - t0 + t1c + add over the given lanes; add holds eight 32-bit
 // integer sums of samples (or squares). Masked forms take n <= 8 lanes.

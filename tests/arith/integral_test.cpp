@@ -339,8 +339,9 @@ void checkDense(const std::vector<Lum8u>& src, int w, int h, typename M::D value
 TEST(IntegralFloatSums, RowSumsPastTwoToTheTwentyFour) {
     LUMTEST_REPLAYABLE();
     Rng rng;
-    for (int w : {65793, 65794, 70001, 140003}) {
-        const int h = 2;
+    // 65762 columns still run two rows at a time, 65763 one at a time.
+    for (int w : {65762, 65763, 65793, 65794, 70001, 140003}) {
+        const int h = 3;
         for (int pattern = 0; pattern < 4; ++pattern) {
             SCOPED_TRACE(testing::Message() << "width " << w << " pattern " << pattern);
             std::vector<Lum8u> s(static_cast<size_t>(w) * h);
@@ -377,10 +378,10 @@ TEST(IntegralFloatSums, ColumnTotalsPastTwoToTheTwentyFour) {
 }
 
 // The vector and the one-at-a-time paths of a row meet where the row sum
-// passes 2^24: that edge falls at every position of a block of sixteen.
+// passes 2^24: that edge falls at every position of a block of 32.
 TEST(IntegralFloatSums, SwitchPointAtEveryBlockPosition) {
-    for (int shift = 0; shift < 17; ++shift) {
-        const int w = 65816 + shift;
+    for (int shift = 0; shift <= 32; ++shift) {
+        const int w = 65840 + shift;
         std::vector<Lum8u> s(static_cast<size_t>(w), 255);
         for (int x = 0; x < shift; ++x) s[x] = 0;
         checkDense<Integral8u32f>(s, w, 1, 0.0f);

@@ -488,6 +488,17 @@ TEST(WindowChecks, OrderOfTiltedMembers) {
     checkWindowOrder<Tilted32sSfs>();
 }
 
+// A zero-width window is a size error, but only once the steps have passed:
+// the step test counts the window's width too.
+TEST(WindowChecks, ZeroWidthIsASizeErrorAfterTheStepTests) {
+    Lum32s s[64] = {}, q[64] = {}, out[4] = {};
+    // c = 4 + 0 + 0: steps of 16 bytes suffice.
+    EXPECT_EQ(lumiRectStdDev_32s_C1RSfs(s, 16, q, 16, out, 16, {4, 1}, {0, 0, 0, 1}, 0), lumStatusBadSize);
+    EXPECT_EQ(lumiRectStdDev_32s_C1RSfs(s, 12, q, 16, out, 16, {4, 1}, {0, 0, 0, 1}, 0), lumStatusBadStep);
+    EXPECT_EQ(lumiTiltedRectStdDev_32s_C1RSfs(s, 12, q, 16, out, 16, {4, 1}, {0, 0, 0, 1}, 0), lumStatusBadStep);
+    EXPECT_EQ(lumiTiltedRectStdDev_32s_C1RSfs(s, 16, q, 16, out, 16, {4, 1}, {0, 0, 0, 1}, 0), lumStatusBadSize);
+}
+
 TEST(WindowChecks, FailedCheckWritesNothing) {
     Lum32f s[64] = {}, out[4] = {9, 9, 9, 9};
     Lum64f q[64] = {};
