@@ -4,6 +4,8 @@
 // The peer has no tilted integral on its own: its tilted form always computes
 // the plain sum, the squared sum and the tilted sum together, so the tilted
 // members are measured beside that call.
+#include <string>
+
 #include "lumcv.h"
 #include "support/bench_util.h"
 
@@ -37,6 +39,10 @@ void runOne(benchmark::State& st, Size2 s, int extra, Call call) {
     Image<S> src(s.width, s.height);
     src.randomize(1, 0, 255);
     Image<D> dst(s.width + extra, s.height + extra);
+    if (call(src, dst) != lumStatusOk) {
+        st.SkipWithError("the integral call failed");
+        return;
+    }
     loop(st, movedBytes(s, sizeof(S), extra, sizeof(D), 0), [&] { call(src, dst); });
 }
 
@@ -47,6 +53,10 @@ void runTwo(benchmark::State& st, Size2 s, int extra, Call call) {
     src.randomize(1, 0, 255);
     Image<D> dst(s.width + extra, s.height + extra);
     Image<Q> sqr(s.width + extra, s.height + extra);
+    if (call(src, dst, sqr) != lumStatusOk) {
+        st.SkipWithError("the integral call failed");
+        return;
+    }
     loop(st, movedBytes(s, 1, extra, sizeof(D), sizeof(Q)), [&] { call(src, dst, sqr); });
 }
 
@@ -98,7 +108,9 @@ constexpr LumiRect kTilted{12, 0, 12, 12};
 template <class I, class Q, class O, class Call>
 void runWindow(benchmark::State& st, Size2 s, bool tilted, Call call) {
     const LumiRect r = tilted ? kTilted : kUpright;
-    const int extraCols = tilted ? r.x + r.width + 1 : r.x + r.width;
+    // The columns the step test counts beyond the result's width, and the
+    // rows below it that the windows reach.
+    const int extraCols = tilted ? r.height + r.y + r.x + r.width - 1 : r.x + r.width;
     const int extraRows = tilted ? r.x + r.y + r.width + r.height : r.y + r.height;
     Image<I> src(s.width + extraCols, s.height + extraRows);
     Image<Q> sqr(s.width + extraCols, s.height + extraRows);
@@ -106,126 +118,162 @@ void runWindow(benchmark::State& st, Size2 s, bool tilted, Call call) {
     src.randomize(1, 0, 1e6);
     sqr.randomize(2, 1e6, 1e9);
     const int64_t bytes = int64_t{s.width} * s.height * (sizeof(I) + sizeof(Q) + sizeof(O));
+    if (call(src, sqr, dst, r) != lumStatusOk) {
+        st.SkipWithError("the window call failed");
+        return;
+    }
     loop(st, bytes, [&] { call(src, sqr, dst, r); });
 }
 
-const bool registered = [] {
-    using lumbench::registerSizes;
-    registerSizes("integral_8u32s", "lumcv", [](benchmark::State& st, Size2 s) {
-        runOne<Lum8u, Lum32s>(st, s, 1, [s](auto& a, auto& d) {
-            lumiIntegral_8u32s_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s), 0);
-        });
-    });
-    registerSizes("integral_8u32f", "lumcv", [](benchmark::State& st, Size2 s) {
-        runOne<Lum8u, Lum32f>(st, s, 1, [s](auto& a, auto& d) {
-            lumiIntegral_8u32f_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s), 0.f);
-        });
-    });
-    registerSizes("integral_32f", "lumcv", [](benchmark::State& st, Size2 s) {
-        runOne<Lum32f, Lum32f>(st, s, 1, [s](auto& a, auto& d) {
-            lumiIntegral_32f_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s));
-        });
-    });
-    registerSizes("sqrIntegral_8u32s", "lumcv", [](benchmark::State& st, Size2 s) {
-        runTwo<Lum32s, Lum32s>(st, s, 1, [s](auto& a, auto& d, auto& q) {
-            lumiSqrIntegral_8u32s_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(), roiOf(s), 0, 0);
-        });
-    });
-    registerSizes("sqrIntegral_8u32s64f", "lumcv", [](benchmark::State& st, Size2 s) {
-        runTwo<Lum32s, Lum64f>(st, s, 1, [s](auto& a, auto& d, auto& q) {
-            lumiSqrIntegral_8u32s64f_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(), roiOf(s), 0, 0.0);
-        });
-    });
-    registerSizes("sqrIntegral_8u32f64f", "lumcv", [](benchmark::State& st, Size2 s) {
-        runTwo<Lum32f, Lum64f>(st, s, 1, [s](auto& a, auto& d, auto& q) {
-            lumiSqrIntegral_8u32f64f_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(), roiOf(s), 0.f,
-                                         0.0);
-        });
-    });
-    registerSizes("tiltedIntegral_8u32s", "lumcv", [](benchmark::State& st, Size2 s) {
-        runOne<Lum8u, Lum32s>(st, s, 2, [s](auto& a, auto& d) {
-            lumiTiltedIntegral_8u32s_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s), 0);
-        });
-    });
-    registerSizes("tiltedIntegral_8u32f", "lumcv", [](benchmark::State& st, Size2 s) {
-        runOne<Lum8u, Lum32f>(st, s, 2, [s](auto& a, auto& d) {
-            lumiTiltedIntegral_8u32f_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s), 0.f);
-        });
-    });
-    registerSizes("tiltedSqrIntegral_8u32s", "lumcv", [](benchmark::State& st, Size2 s) {
-        runTwo<Lum32s, Lum32s>(st, s, 2, [s](auto& a, auto& d, auto& q) {
-            lumiTiltedSqrIntegral_8u32s_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(), roiOf(s), 0, 0);
-        });
-    });
-    registerSizes("tiltedSqrIntegral_8u32s64f", "lumcv", [](benchmark::State& st, Size2 s) {
-        runTwo<Lum32s, Lum64f>(st, s, 2, [s](auto& a, auto& d, auto& q) {
-            lumiTiltedSqrIntegral_8u32s64f_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(), roiOf(s), 0,
-                                               0.0);
-        });
-    });
-    registerSizes("tiltedSqrIntegral_8u32f64f", "lumcv", [](benchmark::State& st, Size2 s) {
-        runTwo<Lum32f, Lum64f>(st, s, 2, [s](auto& a, auto& d, auto& q) {
-            lumiTiltedSqrIntegral_8u32f64f_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(), roiOf(s),
-                                               0.f, 0.0);
-        });
-    });
+// Each member beside its peer, registered next to each other so that both
+// run close in time.
+template <class Ours, class Peer>
+void registerPair(const std::string& family, Ours ours, Peer peer) {
+    lumbench::registerSizes(family, "lumcv", ours);
+#ifdef LUMCV_HAVE_OPENCV
+    lumbench::registerSizes(family, "opencv", peer);
+#else
+    (void)peer;
+#endif
+}
 
+#ifdef LUMCV_HAVE_OPENCV
+#define LUMBENCH_PEER(body) [](benchmark::State& st, Size2 s) { body; }
+#else
+#define LUMBENCH_PEER(body) [](benchmark::State&, Size2) {}
+#endif
+
+const bool registered = [] {
+    registerPair(
+        "integral_8u32s",
+        [](benchmark::State& st, Size2 s) {
+            runOne<Lum8u, Lum32s>(st, s, 1, [s](auto& a, auto& d) {
+                return lumiIntegral_8u32s_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s), 0);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvOne<Lum8u, Lum32s>(st, s, CV_8UC1, CV_32SC1))));
+    registerPair(
+        "integral_8u32f",
+        [](benchmark::State& st, Size2 s) {
+            runOne<Lum8u, Lum32f>(st, s, 1, [s](auto& a, auto& d) {
+                return lumiIntegral_8u32f_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s), 0.f);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvOne<Lum8u, Lum32f>(st, s, CV_8UC1, CV_32FC1))));
+    registerPair(
+        "integral_32f",
+        [](benchmark::State& st, Size2 s) {
+            runOne<Lum32f, Lum32f>(st, s, 1, [s](auto& a, auto& d) {
+                return lumiIntegral_32f_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s));
+            });
+        },
+        LUMBENCH_PEER((runOpenCvOne<Lum32f, Lum32f>(st, s, CV_32FC1, CV_32FC1))));
+    registerPair(
+        "sqrIntegral_8u32s",
+        [](benchmark::State& st, Size2 s) {
+            runTwo<Lum32s, Lum32s>(st, s, 1, [s](auto& a, auto& d, auto& q) {
+                return lumiSqrIntegral_8u32s_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(), roiOf(s),
+                                                 0, 0);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvTwo<Lum32s, Lum32s>(st, s, CV_32SC1, CV_32SC1))));
+    registerPair(
+        "sqrIntegral_8u32s64f",
+        [](benchmark::State& st, Size2 s) {
+            runTwo<Lum32s, Lum64f>(st, s, 1, [s](auto& a, auto& d, auto& q) {
+                return lumiSqrIntegral_8u32s64f_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(),
+                                                    roiOf(s), 0, 0.0);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvTwo<Lum32s, Lum64f>(st, s, CV_32SC1, CV_64FC1))));
+    registerPair(
+        "sqrIntegral_8u32f64f",
+        [](benchmark::State& st, Size2 s) {
+            runTwo<Lum32f, Lum64f>(st, s, 1, [s](auto& a, auto& d, auto& q) {
+                return lumiSqrIntegral_8u32f64f_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(),
+                                                    roiOf(s), 0.f, 0.0);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvTwo<Lum32f, Lum64f>(st, s, CV_32FC1, CV_64FC1))));
+    registerPair(
+        "tiltedIntegral_8u32s",
+        [](benchmark::State& st, Size2 s) {
+            runOne<Lum8u, Lum32s>(st, s, 2, [s](auto& a, auto& d) {
+                return lumiTiltedIntegral_8u32s_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s), 0);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvTilted<Lum32s, Lum32s>(st, s, CV_32SC1, CV_32SC1))));
+    registerPair(
+        "tiltedIntegral_8u32f",
+        [](benchmark::State& st, Size2 s) {
+            runOne<Lum8u, Lum32f>(st, s, 2, [s](auto& a, auto& d) {
+                return lumiTiltedIntegral_8u32f_C1R(a.data(), a.step(), d.data(), d.step(), roiOf(s), 0.f);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvTilted<Lum32f, Lum32f>(st, s, CV_32FC1, CV_32FC1))));
+    registerPair(
+        "tiltedSqrIntegral_8u32s",
+        [](benchmark::State& st, Size2 s) {
+            runTwo<Lum32s, Lum32s>(st, s, 2, [s](auto& a, auto& d, auto& q) {
+                return lumiTiltedSqrIntegral_8u32s_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(),
+                                                       roiOf(s), 0, 0);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvTilted<Lum32s, Lum32s>(st, s, CV_32SC1, CV_32SC1))));
+    registerPair(
+        "tiltedSqrIntegral_8u32s64f",
+        [](benchmark::State& st, Size2 s) {
+            runTwo<Lum32s, Lum64f>(st, s, 2, [s](auto& a, auto& d, auto& q) {
+                return lumiTiltedSqrIntegral_8u32s64f_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(),
+                                                          roiOf(s), 0, 0.0);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvTilted<Lum32s, Lum64f>(st, s, CV_32SC1, CV_64FC1))));
+    registerPair(
+        "tiltedSqrIntegral_8u32f64f",
+        [](benchmark::State& st, Size2 s) {
+            runTwo<Lum32f, Lum64f>(st, s, 2, [s](auto& a, auto& d, auto& q) {
+                return lumiTiltedSqrIntegral_8u32f64f_C1R(a.data(), a.step(), d.data(), d.step(), q.data(), q.step(),
+                                                          roiOf(s), 0.f, 0.0);
+            });
+        },
+        LUMBENCH_PEER((runOpenCvTilted<Lum32f, Lum64f>(st, s, CV_32FC1, CV_64FC1))));
+
+    using lumbench::registerSizes;
     registerSizes("rectStdDev_32f", "lumcv", [](benchmark::State& st, Size2 s) {
         runWindow<Lum32f, Lum64f, Lum32f>(st, s, false, [s](auto& a, auto& q, auto& d, LumiRect r) {
-            lumiRectStdDev_32f_C1R(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s), r);
+            return lumiRectStdDev_32f_C1R(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s), r);
         });
     });
     registerSizes("rectStdDev_32s32f", "lumcv", [](benchmark::State& st, Size2 s) {
         runWindow<Lum32s, Lum64f, Lum32f>(st, s, false, [s](auto& a, auto& q, auto& d, LumiRect r) {
-            lumiRectStdDev_32s32f_C1R(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s), r);
+            return lumiRectStdDev_32s32f_C1R(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s), r);
         });
     });
     registerSizes("rectStdDev_32s_Sfs", "lumcv", [](benchmark::State& st, Size2 s) {
         runWindow<Lum32s, Lum32s, Lum32s>(st, s, false, [s](auto& a, auto& q, auto& d, LumiRect r) {
-            lumiRectStdDev_32s_C1RSfs(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s), r, 0);
+            return lumiRectStdDev_32s_C1RSfs(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s), r,
+                                             0);
         });
     });
     registerSizes("tiltedRectStdDev_32f", "lumcv", [](benchmark::State& st, Size2 s) {
         runWindow<Lum32f, Lum64f, Lum32f>(st, s, true, [s](auto& a, auto& q, auto& d, LumiRect r) {
-            lumiTiltedRectStdDev_32f_C1R(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s), r);
+            return lumiTiltedRectStdDev_32f_C1R(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s),
+                                                r);
         });
     });
     registerSizes("tiltedRectStdDev_32s32f", "lumcv", [](benchmark::State& st, Size2 s) {
         runWindow<Lum32s, Lum64f, Lum32f>(st, s, true, [s](auto& a, auto& q, auto& d, LumiRect r) {
-            lumiTiltedRectStdDev_32s32f_C1R(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s), r);
+            return lumiTiltedRectStdDev_32s32f_C1R(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(),
+                                                   roiOf(s), r);
         });
     });
     registerSizes("tiltedRectStdDev_32s_Sfs", "lumcv", [](benchmark::State& st, Size2 s) {
         runWindow<Lum32s, Lum32s, Lum32s>(st, s, true, [s](auto& a, auto& q, auto& d, LumiRect r) {
-            lumiTiltedRectStdDev_32s_C1RSfs(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(), roiOf(s), r,
-                                            0);
+            return lumiTiltedRectStdDev_32s_C1RSfs(a.data(), a.step(), q.data(), q.step(), d.data(), d.step(),
+                                                   roiOf(s), r, 0);
         });
     });
-
-#ifdef LUMCV_HAVE_OPENCV
-    registerSizes("integral_8u32s", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvOne<Lum8u, Lum32s>(st, s, CV_8UC1, CV_32SC1); });
-    registerSizes("integral_8u32f", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvOne<Lum8u, Lum32f>(st, s, CV_8UC1, CV_32FC1); });
-    registerSizes("integral_32f", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvOne<Lum32f, Lum32f>(st, s, CV_32FC1, CV_32FC1); });
-    registerSizes("sqrIntegral_8u32s", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvTwo<Lum32s, Lum32s>(st, s, CV_32SC1, CV_32SC1); });
-    registerSizes("sqrIntegral_8u32s64f", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvTwo<Lum32s, Lum64f>(st, s, CV_32SC1, CV_64FC1); });
-    registerSizes("sqrIntegral_8u32f64f", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvTwo<Lum32f, Lum64f>(st, s, CV_32FC1, CV_64FC1); });
-    registerSizes("tiltedIntegral_8u32s", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvTilted<Lum32s, Lum32s>(st, s, CV_32SC1, CV_32SC1); });
-    registerSizes("tiltedIntegral_8u32f", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvTilted<Lum32f, Lum32f>(st, s, CV_32FC1, CV_32FC1); });
-    registerSizes("tiltedSqrIntegral_8u32s", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvTilted<Lum32s, Lum32s>(st, s, CV_32SC1, CV_32SC1); });
-    registerSizes("tiltedSqrIntegral_8u32s64f", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvTilted<Lum32s, Lum64f>(st, s, CV_32SC1, CV_64FC1); });
-    registerSizes("tiltedSqrIntegral_8u32f64f", "opencv",
-                  [](benchmark::State& st, Size2 s) { runOpenCvTilted<Lum32f, Lum64f>(st, s, CV_32FC1, CV_64FC1); });
-#endif
     return true;
 }();
 

@@ -254,6 +254,21 @@ TYPED_TEST(IntegralSweep, MatchesReferenceOverShapes) {
     }
 }
 
+// Results of some megabytes, in layouts of every alignment, with odd and
+// even heights.
+TYPED_TEST(IntegralSweep, LargeResults) {
+    LUMTEST_REPLAYABLE();
+    Rng rng;
+    for (int round = 0; round < 3; ++round) {
+        const int w = round == 0 ? 1030 : 1100 + rng.uniform(0, 40);
+        const int h = round == 0 ? 1000 : 1020 + round;
+        std::vector<Lum8u> noise(static_cast<size_t>(w) * h);
+        for (Lum8u& v : noise) v = static_cast<Lum8u>(rng.bits());
+        checkMember<TypeParam>(w, h, rng, [&](int x, int y) { return noise[static_cast<size_t>(y) * w + x]; });
+        if (::testing::Test::HasFatalFailure()) return;
+    }
+}
+
 // ------------------------------------------------------------ 32f source
 
 std::vector<float> plain32fReference(const GuardedImage<Lum32f>& src) {
