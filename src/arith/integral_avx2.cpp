@@ -1,10 +1,11 @@
 // Plain integral images, AVX2.
 //
 // 8u sources: the running row sum r is formed 32 samples at a time as a
-// prefix sum (bytes widened to 16 bits, three shift-add steps over each
-// half's eight lanes, extended to 32 bits) plus the total carried from the
-// blocks before, held broadcast in every lane. Each result row is then the
-// row above plus r, one vector add per eight elements.
+// prefix sum (pair sums of the bytes in 16-bit lanes, three shift-add steps
+// over each half's eight lanes, extended to 32 bits) plus the total carried
+// from the blocks before, held broadcast in every lane. Each result row is
+// then the row above plus r, one vector add per eight elements; rows go two
+// at a time, so that the row above is loaded once for both.
 //
 // With 8u samples r is an integer; as a float it is exact while it stays
 // at or below 2^24, so the integer prefix converted to float gives the very
@@ -31,7 +32,6 @@ namespace lum::kernel {
 namespace {
 
 using isimd::Lanes;
-
 using isimd::NoSqr;
 
 inline __m256i broadcastLast(__m256i v) { return _mm256_permutevar8x32_epi32(v, _mm256_set1_epi32(7)); }
@@ -52,11 +52,11 @@ inline __m256i prefix8x32(__m256i v) {
     return _mm256_add_epi32(v, _mm256_permute2x128_si256(last, last, 0x08));  // + (0 0 0 0 | l3 l3 l3 l3)
 }
 
+constexpr int kBlockOf32 = 32;
+
 // Local prefix of 32 values: v[0], v[1] hold the running sums at samples
 // 0..15 from the block's start; v[2], v[3] those at samples 16..31 from
 // sample 16, and half the sum of samples 0..15, in every lane, to add to them.
-constexpr int kBlockOf32 = 32;
-
 struct Prefix32 {
     __m256i v[4];
     __m256i half;
