@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -410,6 +411,25 @@ TEST(WindowEdges, NegativeVarianceIsClampedToZero) {
     Lum32f out = -1.f;
     ASSERT_EQ(lumiRectStdDev_32f_C1R(s, 16, q, 32, &out, 4, {1, 1}, {0, 0, 3, 1}), lumStatusOk);
     EXPECT_EQ(out, 0.0f);
+}
+
+// The clamp replaces v < 0 only: a v that rounds to -0 in float stays -0
+// (and its root too), and a NaN stays NaN.
+TEST(WindowEdges, ChoiceClampKeepsNegativeZeroAndNan) {
+    uint32_t bits = 0;
+    // 1 x 1 window, n = 1: s = 2^-50, q = 2^-100 (1 - 2^-52), v = -2^-152,
+    // which rounds to -0 in float.
+    Lum32f s[2 * 2] = {std::ldexp(1.0f, -50), 0, 0, 0};
+    Lum64f q[2 * 2] = {std::ldexp(1.0 - std::ldexp(1.0, -52), -100), 0, 0, 0};
+    Lum32f out = 1.0f;
+    ASSERT_EQ(lumiRectStdDev_32f_C1R(s, 8, q, 16, &out, 4, {1, 1}, {0, 0, 1, 1}), lumStatusOk);
+    std::memcpy(&bits, &out, 4);
+    EXPECT_EQ(bits, 0x80000000u);
+    // Two infinite corners on one row make s = inf - inf, NaN.
+    s[0] = std::numeric_limits<float>::infinity();
+    s[1] = std::numeric_limits<float>::infinity();
+    ASSERT_EQ(lumiRectStdDev_32f_C1R(s, 8, q, 16, &out, 4, {1, 1}, {0, 0, 1, 1}), lumStatusOk);
+    EXPECT_TRUE(std::isnan(out));
 }
 
 // ------------------------------------------------------------ order of checks
