@@ -108,7 +108,9 @@ int runWindow(const Image& gray, const std::string& spec) {
     else std::printf("sum: %u\n", s);
     std::printf("sum of squares: %.0f\n", q);
     std::printf("mean: %.6g\n", static_cast<double>(s) / pixels);
-    std::printf("standard deviation: %.6g\n", static_cast<double>(deviation));
+    // The deviation takes the window sum as a signed 32-bit integer.
+    if (pixels * 255.0 >= 2147483648.0) std::printf("standard deviation: not shown (sums may pass 31 bits)\n");
+    else std::printf("standard deviation: %.6g\n", static_cast<double>(deviation));
     return 0;
 }
 
