@@ -5,7 +5,8 @@
 // over each half's eight lanes, extended to 32 bits) plus the total carried
 // from the blocks before, held broadcast in every lane. Each result row is
 // then the row above plus r, one vector add per eight elements; rows go two
-// at a time, so that the row above is loaded once for both.
+// at a time, so that the row above is loaded once for both, unless the
+// results are too large for the last-level cache.
 //
 // With 8u samples r is an integer; as a float it is exact while it stays
 // at or below 2^24, so the integer prefix converted to float gives the very
@@ -54,12 +55,14 @@ inline __m256i prefix8x32(__m256i v) {
 
 constexpr int kBlockOf32 = 32;
 
-// Local prefix of 32 values: v[0], v[1] hold the running sums at samples
-// 0..15 from the block's start; v[2], v[3] those at samples 16..31 from
-// sample 16, and half the sum of samples 0..15, in every lane, to add to them.
+// Local prefix of 32 values: v[0] .. v[3] hold the running sums at samples
+// 0..31 from the block's start; half the sum of samples 0..15 and total the
+// sum of all 32, each in every lane. The total is known before the running
+// sum carried into the block, so the carry chain across blocks is one add.
 struct Prefix32 {
     __m256i v[4];
     __m256i half;
+    __m256i total;
 };
 
 // Running sums of 32 samples. The pair sums (s0 + s1, s2 + s3, ...) in
@@ -74,9 +77,10 @@ inline Prefix32 samplePrefix(__m256i bytes) {
     Prefix32 p;
     p.v[0] = _mm256_cvtepu16_epi32(_mm256_castsi256_si128(lo));
     p.v[1] = _mm256_cvtepu16_epi32(_mm256_castsi256_si128(hi));
-    p.v[2] = _mm256_cvtepu16_epi32(_mm256_extracti128_si256(lo, 1));
-    p.v[3] = _mm256_cvtepu16_epi32(_mm256_extracti128_si256(hi, 1));
     p.half = broadcastLast(p.v[1]);
+    p.v[2] = _mm256_add_epi32(_mm256_cvtepu16_epi32(_mm256_extracti128_si256(lo, 1)), p.half);
+    p.v[3] = _mm256_add_epi32(_mm256_cvtepu16_epi32(_mm256_extracti128_si256(hi, 1)), p.half);
+    p.total = broadcastLast(p.v[3]);
     return p;
 }
 
@@ -94,6 +98,9 @@ inline Prefix32 squarePrefix(__m256i bytes) {
                                           broadcastLast(lo));
     }
     p.half = broadcastLast(p.v[1]);
+    p.v[2] = _mm256_add_epi32(p.v[2], p.half);
+    p.v[3] = _mm256_add_epi32(p.v[3], p.half);
+    p.total = broadcastLast(p.v[3]);
     return p;
 }
 
@@ -104,12 +111,8 @@ struct Int32Run {
     using Vec = __m256i;
     __m256i carry = _mm256_setzero_si256();
     void next(const Prefix32& p, __m256i r[4]) {
-        const __m256i carryHigh = _mm256_add_epi32(carry, p.half);
-        r[0] = _mm256_add_epi32(p.v[0], carry);
-        r[1] = _mm256_add_epi32(p.v[1], carry);
-        r[2] = _mm256_add_epi32(p.v[2], carryHigh);
-        r[3] = _mm256_add_epi32(p.v[3], carryHigh);
-        carry = broadcastLast(r[3]);
+        for (int k = 0; k < 4; ++k) r[k] = _mm256_add_epi32(p.v[k], carry);
+        carry = _mm256_add_epi32(carry, p.total);
     }
     int32_t carried() const { return _mm256_cvtsi256_si32(carry); }
 };
@@ -120,12 +123,11 @@ struct Float64Run {
     using Vec = __m256d;
     __m256d carry = _mm256_setzero_pd();
     void next(const Prefix32& p, __m256d r[8]) {
-        const __m256d carryHigh = _mm256_add_pd(carry, _mm256_cvtepi32_pd(_mm256_castsi256_si128(p.half)));
         for (int k = 0; k < 8; ++k) {
             const __m128i part = (k & 1) ? _mm256_extracti128_si256(p.v[k / 2], 1) : _mm256_castsi256_si128(p.v[k / 2]);
-            r[k] = _mm256_add_pd(k < 4 ? carry : carryHigh, _mm256_cvtepi32_pd(part));
+            r[k] = _mm256_add_pd(carry, _mm256_cvtepi32_pd(part));
         }
-        carry = _mm256_permute4x64_pd(r[7], 0xFF);
+        carry = _mm256_add_pd(carry, _mm256_cvtepi32_pd(_mm256_castsi256_si128(p.total)));
     }
     double carried() const { return _mm256_cvtsd_f64(carry); }
 };
@@ -181,6 +183,9 @@ inline void resultBlock(const T* above, T* const* rows, typename ResultOf<T>::Ru
         }
     }
 }
+
+// Results of this many bytes and more go one row at a time.
+constexpr int64_t kPairedResultBytes = int64_t{16} << 20;
 
 // Columns below which a float row sum of 8u samples can't pass 2^24 within
 // the next block: 255 x (x + 32) <= 2^24 for every x up to here.
@@ -269,8 +274,12 @@ struct PlainIntegral {
         isimd::fillRow(dst, w + 1, value);
         if constexpr (hasSqr) isimd::fillRow(sqr, w + 1, valueSqr);
         // Pairs of rows share the loads of the row above; a float sum that
-        // may pass 2^24 goes one row at a time.
-        const bool pairs = !floatSum || w <= kUncheckedColumns + 1;
+        // may pass 2^24 goes one row at a time. So do results too large to
+        // stay in the last-level cache: there the two extra memory streams
+        // of a pair cost more than the loads it saves.
+        int64_t resultBytes = int64_t{w + 1} * (int64_t{h} + 1) * static_cast<int64_t>(sizeof(D));
+        if constexpr (hasSqr) resultBytes += int64_t{w + 1} * (int64_t{h} + 1) * static_cast<int64_t>(sizeof(Q));
+        const bool pairs = (!floatSum || w <= kUncheckedColumns + 1) && resultBytes < kPairedResultBytes;
         int y = 0;
         if (pairs)
             for (; y + 2 <= h; y += 2) rows<2>(y);

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <type_traits>
 #include <vector>
 
@@ -269,6 +270,28 @@ TYPED_TEST(IntegralSweep, LargeResults) {
     }
 }
 
+// Results of 16 MiB and more go one row at a time, smaller ones in pairs of
+// rows: both sides of that edge, with and without a squared result.
+TEST(IntegralLarge, BothSidesOfTheOneRowThreshold) {
+    LUMTEST_REPLAYABLE();
+    Rng rng;
+    auto noiseFill = [&rng](int w, int h) {
+        auto noise = std::make_shared<std::vector<Lum8u>>(static_cast<size_t>(w) * h);
+        for (Lum8u& v : *noise) v = static_cast<Lum8u>(rng.bits());
+        return [noise, w](int x, int y) { return (*noise)[static_cast<size_t>(y) * w + x]; };
+    };
+    // (2047 + 1) x (h + 1) x 4 bytes: 16 MiB at h = 2047.
+    for (int h : {2046, 2047}) {
+        checkMember<Integral8u32s>(2047, h, rng, noiseFill(2047, h));
+        if (HasFatalFailure()) return;
+    }
+    // (1023 + 1) x (h + 1) x (4 + 8) bytes: past 16 MiB from h = 1365.
+    for (int h : {1364, 1365}) {
+        checkMember<SqrIntegral8u32s64f>(1023, h, rng, noiseFill(1023, h));
+        if (HasFatalFailure()) return;
+    }
+}
+
 // ------------------------------------------------------------ 32f source
 
 std::vector<float> plain32fReference(const GuardedImage<Lum32f>& src) {
@@ -498,6 +521,43 @@ TEST(IntegralEdges, TiltedFloatRecurrenceRunsInDouble) {
     ASSERT_FALSE(lumtest::sameBits(single.data(), want.data(), static_cast<int>(want.size())));
     std::vector<float> got(want.size());
     ASSERT_EQ(lumiTiltedIntegral_8u32f_C1R(s.data(), w, got.data(), cols * 4, {w, h}, value), lumStatusOk);
+    EXPECT_TRUE(lumtest::sameBits(got.data(), want.data(), static_cast<int>(want.size())));
+}
+
+// The tilted squared sums in Lum64f take the grouping of the 32f results,
+// ((T1 - T0) + T1') + (S^2 + S'^2): with valueSqr at 2^53, where doubles
+// step by 2, adding two odd squares one by one rounds twice, their sum once.
+TEST(IntegralEdges, ChoiceTiltedDoubleSquaresAddTheSquaresFirst) {
+    const int w = 64, h = 64, cols = w + 2;
+    std::vector<Lum8u> s(static_cast<size_t>(w) * h);
+    for (size_t i = 0; i < s.size(); ++i) s[i] = static_cast<Lum8u>((i * 2654435761u) >> 13);
+    const double valueSqr = std::ldexp(1.0, 53);
+    const std::vector<double> want = ref::tilted<Lum64f>(s, w, h, valueSqr, ref::squareOf);
+    std::vector<double> leftToRight(want.size());
+    for (int x = 0; x < 2 * cols; ++x) leftToRight[x] = valueSqr;
+    for (int i = 0; i < h; ++i) {
+        const double* t0 = &leftToRight[static_cast<size_t>(i) * cols];
+        const double* t1 = t0 + cols;
+        double* t2 = &leftToRight[static_cast<size_t>(i + 2) * cols];
+        const Lum8u* row = &s[static_cast<size_t>(i) * w];
+        t2[0] = t1[1];
+        for (int x = 0; x < w; ++x) {
+            const double a = row[x] * row[x], b = x + 1 < w ? row[x + 1] * row[x + 1] : 0.0;
+            t2[x + 1] = (((t1[x] - t0[x + 1]) + t1[x + 2]) + a) + b;
+        }
+        t2[w + 1] = t1[w];
+    }
+    ASSERT_FALSE(lumtest::sameBits(leftToRight.data(), want.data(), static_cast<int>(want.size())));
+    std::vector<Lum32s> d(want.size());
+    std::vector<double> got(want.size());
+    ASSERT_EQ(lumiTiltedSqrIntegral_8u32s64f_C1R(s.data(), w, d.data(), cols * 4, got.data(), cols * 8, {w, h}, 0,
+                                                 valueSqr),
+              lumStatusOk);
+    EXPECT_TRUE(lumtest::sameBits(got.data(), want.data(), static_cast<int>(want.size())));
+    std::vector<Lum32f> f(want.size());
+    ASSERT_EQ(lumiTiltedSqrIntegral_8u32f64f_C1R(s.data(), w, f.data(), cols * 4, got.data(), cols * 8, {w, h}, 0.f,
+                                                 valueSqr),
+              lumStatusOk);
     EXPECT_TRUE(lumtest::sameBits(got.data(), want.data(), static_cast<int>(want.size())));
 }
 

@@ -17,6 +17,11 @@
 #include "support/noalloc.h"
 #include "support/rng.h"
 
+#ifdef LUMCV_HAVE_OPENCV
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+#endif
+
 namespace {
 
 using lumtest::GuardedImage;
@@ -526,5 +531,41 @@ TEST(WindowChecks, FailedCheckWritesNothing) {
     EXPECT_EQ(lumiRectStdDev_32f_C1R(s, 16, q, 64, out, 16, {4, 1}, {0, 0, 1, 1}), lumStatusBadStep);
     for (float v : out) EXPECT_EQ(v, 9.0f);
 }
+
+// ------------------------------------------------------------ peer
+
+#ifdef LUMCV_HAVE_OPENCV
+
+// Over the peer's own integrals of a textured scene, every window's
+// deviation agrees with the peer's population deviation of the same pixels,
+// to float precision (ours rounds v to float before the root).
+TEST(WindowPeer, DeviationsMatchThePeersOnItsIntegrals) {
+    const int w = 320, h = 240;
+    cv::Mat noise(h, w, CV_8U), img;
+    cv::RNG peerRng(7);
+    peerRng.fill(noise, cv::RNG::UNIFORM, 0, 256);
+    cv::GaussianBlur(noise, img, cv::Size(7, 7), 1.5);
+    cv::circle(img, cv::Point(100, 120), 50, cv::Scalar(240), -1);
+    cv::rectangle(img, cv::Rect(200, 40, 80, 60), cv::Scalar(20), -1);
+    cv::Mat sum, sqsum;
+    cv::integral(img, sum, sqsum, CV_32S, CV_64F);
+    for (LumiRect r : {LumiRect{0, 0, 24, 24}, LumiRect{3, 5, 17, 9}, LumiRect{0, 0, 1, 1}}) {
+        const LumiSize roi{w + 1 - r.x - r.width, h + 1 - r.y - r.height};
+        std::vector<Lum32f> out(static_cast<size_t>(roi.width) * roi.height);
+        ASSERT_EQ(lumiRectStdDev_32s32f_C1R(sum.ptr<Lum32s>(), static_cast<int>(sum.step), sqsum.ptr<Lum64f>(),
+                                            static_cast<int>(sqsum.step), out.data(), roi.width * 4, roi, r),
+                  lumStatusOk);
+        for (int v = 0; v < roi.height; v += 7)
+            for (int u = 0; u < roi.width; u += 5) {
+                cv::Scalar mean, dev;
+                cv::meanStdDev(img(cv::Rect(u + r.x, v + r.y, r.width, r.height)), mean, dev);
+                const double got = out[static_cast<size_t>(v) * roi.width + u];
+                ASSERT_NEAR(got, dev[0], 1e-4 + 1e-6 * dev[0]) << "window " << r.width << "x" << r.height << " at "
+                                                              << u << "," << v;
+            }
+    }
+}
+
+#endif  // LUMCV_HAVE_OPENCV
 
 }  // namespace

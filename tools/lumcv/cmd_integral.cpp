@@ -79,7 +79,11 @@ int runWindow(const Image& gray, const std::string& spec) {
     int v[4];
     if (!parseWindow(spec, v)) return kExitUsage;
     const int x = v[0], y = v[1], w = v[2], h = v[3];
-    if (w < 1 || h < 1 || x < 0 || y < 0 || x > gray.width - w || y > gray.height - h) {
+    if (w < 1 || h < 1) {
+        std::fprintf(stderr, "lumcv: window %d,%d,%d,%d: width and height must be at least 1\n", x, y, w, h);
+        return kExitUsage;
+    }
+    if (x < 0 || y < 0 || x > gray.width - w || y > gray.height - h) {
         std::fprintf(stderr, "lumcv: window %d,%d,%d,%d does not lie inside the %dx%d image\n", x, y, w, h,
                      gray.width, gray.height);
         return kExitUsage;
