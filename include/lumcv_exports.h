@@ -425,6 +425,39 @@ LUM_EXPORT(LumStatus, lumiFilterRowBorderPipeline_Low_16s_C3R, filterRowBorderPi
            (src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, borderType, borderValue, divisor, buffer))
 
 /*
+ * Integral images. For a source ROI of width x height, a plain integral D has
+ * (width + 1) x (height + 1) elements, a tilted one T (width + 2) x
+ * (height + 2); the caller sizes both.
+ *   Plain:   row 0 is value; each row y + 1 starts with value, then a running
+ *            row sum r = r + S[y][x] (from 0) gives D[y + 1][x + 1] =
+ *            D[y][x + 1] + r. The squared integral runs the same with S * S
+ *            (exact) from valueSqr.
+ *   Tilted:  rows 0 and 1 are value; for source row i, T[i + 2][x + 1] =
+ *            T[i + 1][x] - T[i][x + 1] + T[i + 1][x + 2] + S[i][x] + S[i][x + 1]
+ *            (the last column adds S[i][width - 1] only), T[i + 2][0] =
+ *            T[i + 1][1], T[i + 2][width + 1] = T[i + 1][width].
+ *   32s results wrap modulo 2^32. 32f plain results round at every addition
+ *   of r and of D, in that order, left to right. 32f tilted results are
+ *   formed in double as ((T1[x] - T0[x + 1]) + T1[x + 2]) + (S + S'), the
+ *   sample sum an integer, and rounded to float once. 64f squared sums are
+ *   exact up to 2^53.
+ * Checks: pointers; width or height below 1; the source step against its row,
+ * dst and sqr steps against their result rows (lumStatusBadStep); then 4-byte
+ * results and a 32f source to multiples of 4, 64f results to multiples of 8
+ * (lumStatusStepNotAligned). Reads the source ROI only; source and results
+ * must not overlap.
+ */
+LUM_EXPORT(LumStatus, lumiIntegral_32f_C1R, integral_32f_C1R,
+           (const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize),
+           (src, srcStep, dst, dstStep, roiSize))
+LUM_EXPORT(LumStatus, lumiIntegral_8u32f_C1R, integral_8u32f_C1R,
+           (const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, Lum32f value),
+           (src, srcStep, dst, dstStep, roiSize, value))
+LUM_EXPORT(LumStatus, lumiIntegral_8u32s_C1R, integral_8u32s_C1R,
+           (const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, LumiSize roiSize, Lum32s value),
+           (src, srcStep, dst, dstStep, roiSize, value))
+
+/*
  * Masked statistics of 8u, 16u and 32f images. C1 reads every pixel; C3C reads
  * sample coi - 1 (coi 1..3) of each three-channel pixel, whose row bytes are
  * 3 x width x sample size. A mask is 8u of the ROI's size; a non-zero byte
@@ -723,6 +756,75 @@ LUM_EXPORT(LumStatus, lumiNorm_L2_8u_C1MR, norm_L2_8u_C1MR,
 LUM_EXPORT(LumStatus, lumiNorm_L2_8u_C3CMR, norm_L2_8u_C3CMR,
            (const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep, LumiSize roiSize, int coi, Lum64f* value),
            (src, srcStep, mask, maskStep, roiSize, coi, value))
+
+/*
+ * Window standard deviation over an integral (src) and a squared integral
+ * (sqr). For result pixel (u, v), with A, B, C, D the integral at the window's
+ * top-left, top-right, bottom-left and bottom-right corners (primed: sqr):
+ *   s = (A - B) - (C - D) in the integral's type (32s wrapping),
+ *   q = (A' - B') - (C' - D') in double (wrapping 32 bits in _32s_C1RSfs),
+ *   n = 1 / (area) with the area a 32-bit product, n in double (float in
+ *   _32s_C1RSfs), v = fma(-(n s), n s, n q) in n's precision, rounded to
+ *   float, negative v -> 0, t = sqrtf(v).
+ *   _32s_C1RSfs stores trunc(fma(2^-scaleFactor, t, 0.5f)), the scale formed
+ *   from the 32-bit int 1 << (count mod 32) (so a count of 31 is -2^31).
+ * Upright: corners at rows v + rect.y (+ rect.height), columns u + rect.x
+ * (+ rect.width), area = width * height. Tilted: with (x, y, w, h) = rect,
+ * A at column u + x - y, row v + x + y; B at column - h, row + h; C at column
+ * + w, row + w; D at column - h + w, row + h + w; area = 2 w h. Tilted
+ * columns may lie left of src, which the caller's pointers must allow.
+ * Checks: pointers; ROI below 1; steps with c = width + rect.x + rect.width
+ * (tilted: h + y + x + w + width - 1): srcStep >= 4 c, sqrStep >= c x its
+ * element size, dstStep >= 4 width (lumStatusBadStep); alignment of every
+ * step to its element size (lumStatusStepNotAligned); then rect.x or rect.y
+ * negative or rect.width or rect.height below 1 (lumStatusBadSize).
+ */
+LUM_EXPORT(LumStatus, lumiRectStdDev_32f_C1R, rectStdDev_32f_C1R,
+           (const Lum32f* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiRect rect),
+           (src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect))
+LUM_EXPORT(LumStatus, lumiRectStdDev_32s32f_C1R, rectStdDev_32s32f_C1R,
+           (const Lum32s* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiRect rect),
+           (src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect))
+LUM_EXPORT(LumStatus, lumiRectStdDev_32s_C1RSfs, rectStdDev_32s_C1RSfs,
+           (const Lum32s* src, int srcStep, const Lum32s* sqr, int sqrStep, Lum32s* dst, int dstStep, LumiSize roiSize, LumiRect rect, int scaleFactor),
+           (src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, scaleFactor))
+
+/* Squared integrals: the plain integral into dst and the integral of S * S into sqr, one pass. */
+LUM_EXPORT(LumStatus, lumiSqrIntegral_8u32f64f_C1R, sqrIntegral_8u32f64f_C1R,
+           (const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, Lum64f* sqr, int sqrStep, LumiSize roiSize, Lum32f value, Lum64f valueSqr),
+           (src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value, valueSqr))
+LUM_EXPORT(LumStatus, lumiSqrIntegral_8u32s64f_C1R, sqrIntegral_8u32s64f_C1R,
+           (const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, Lum64f* sqr, int sqrStep, LumiSize roiSize, Lum32s value, Lum64f valueSqr),
+           (src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value, valueSqr))
+LUM_EXPORT(LumStatus, lumiSqrIntegral_8u32s_C1R, sqrIntegral_8u32s_C1R,
+           (const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, Lum32s* sqr, int sqrStep, LumiSize roiSize, Lum32s value, Lum32s valueSqr),
+           (src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value, valueSqr))
+
+/* Tilted integrals and tilted windows: see the integral images and the window standard deviation above. */
+LUM_EXPORT(LumStatus, lumiTiltedIntegral_8u32f_C1R, tiltedIntegral_8u32f_C1R,
+           (const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, Lum32f value),
+           (src, srcStep, dst, dstStep, roiSize, value))
+LUM_EXPORT(LumStatus, lumiTiltedIntegral_8u32s_C1R, tiltedIntegral_8u32s_C1R,
+           (const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, LumiSize roiSize, Lum32s value),
+           (src, srcStep, dst, dstStep, roiSize, value))
+LUM_EXPORT(LumStatus, lumiTiltedRectStdDev_32f_C1R, tiltedRectStdDev_32f_C1R,
+           (const Lum32f* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiRect rect),
+           (src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect))
+LUM_EXPORT(LumStatus, lumiTiltedRectStdDev_32s32f_C1R, tiltedRectStdDev_32s32f_C1R,
+           (const Lum32s* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiRect rect),
+           (src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect))
+LUM_EXPORT(LumStatus, lumiTiltedRectStdDev_32s_C1RSfs, tiltedRectStdDev_32s_C1RSfs,
+           (const Lum32s* src, int srcStep, const Lum32s* sqr, int sqrStep, Lum32s* dst, int dstStep, LumiSize roiSize, LumiRect rect, int scaleFactor),
+           (src, srcStep, sqr, sqrStep, dst, dstStep, roiSize, rect, scaleFactor))
+LUM_EXPORT(LumStatus, lumiTiltedSqrIntegral_8u32f64f_C1R, tiltedSqrIntegral_8u32f64f_C1R,
+           (const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, Lum64f* sqr, int sqrStep, LumiSize roiSize, Lum32f value, Lum64f valueSqr),
+           (src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value, valueSqr))
+LUM_EXPORT(LumStatus, lumiTiltedSqrIntegral_8u32s64f_C1R, tiltedSqrIntegral_8u32s64f_C1R,
+           (const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, Lum64f* sqr, int sqrStep, LumiSize roiSize, Lum32s value, Lum64f valueSqr),
+           (src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value, valueSqr))
+LUM_EXPORT(LumStatus, lumiTiltedSqrIntegral_8u32s_C1R, tiltedSqrIntegral_8u32s_C1R,
+           (const Lum8u* src, int srcStep, Lum32s* dst, int dstStep, Lum32s* sqr, int sqrStep, LumiSize roiSize, Lum32s value, Lum32s valueSqr),
+           (src, srcStep, dst, dstStep, sqr, sqrStep, roiSize, value, valueSqr))
 
 /*
  * Motion history, in place on a 32f history image mhi. t = timestamp -
