@@ -61,40 +61,63 @@ struct Reduce<float, Max> {
     static constexpr float identity() { return Max ? -FLT_MAX : FLT_MAX; }
 };
 
-// ------------------------------------------------------------ row walk
+// ------------------------------------------------------------ taps
 
-// Calls f(vector tag, x) for each vector of a row of n samples, then covers
-// the remainder by one more vector that ends at the row's end (it overlaps
-// samples already written with the same values), or, in rows shorter than a
-// vector, by f(scalar tag, x) sample by sample. Only samples of the row are
-// read and written: kernels are out of place.
-template <class T, class F>
-inline void walkRow(int n, F&& f) {
-    constexpr int V = Vec<T>::lanes;
-    if (n < V) {
-        for (int x = 0; x < n; ++x) f(std::false_type{}, x);
-        return;
-    }
-    int x = 0;
-    for (; x + V <= n; x += V) f(std::true_type{}, x);
-    if (x < n) f(std::true_type{}, n - V);
+// A tap is one selected mask element: the byte offset, from the window's
+// top-left sample, of the sample it reads. reduceTaps gives out[x] =
+// op over the taps in their order of base + tap + x, for n samples, starting
+// from the identity (or from out itself, to continue a reduction). Four
+// vectors go side by side so that the chains of max or min overlap; the
+// remainder takes single vectors and one last vector that ends at the row's
+// end, overlapping samples already written with the same values; rows
+// shorter than a vector go sample by sample. Only the row's samples are
+// read and written.
+template <class T>
+inline const T* tapAt(const T* base, ptrdiff_t tap) {
+    return reinterpret_cast<const T*>(reinterpret_cast<const uint8_t*>(base) + tap);
 }
 
-// acc = op(sample at p, acc) in vector or scalar form.
-template <class T, bool Max, bool IsVec>
-struct Acc;
-template <class T, bool Max>
-struct Acc<T, Max, true> {
-    typename Vec<T>::type v = Vec<T>::set1(Reduce<T, Max>::identity());
-    void take(const T* p) { v = Reduce<T, Max>::vec(Vec<T>::load(p), v); }
-    void put(T* p) const { Vec<T>::store(p, v); }
-};
-template <class T, bool Max>
-struct Acc<T, Max, false> {
-    T v = Reduce<T, Max>::identity();
-    void take(const T* p) { v = Reduce<T, Max>::one(*p, v); }
-    void put(T* p) const { *p = v; }
-};
+template <class T, bool Max, int K = 0>
+inline void reduceTaps(const T* base, const ptrdiff_t* taps, int count, T* out, int n, bool fromOut = false) {
+    using R = Reduce<T, Max>;
+    using Vt = Vec<T>;
+    constexpr int V = Vt::lanes;
+    const int k1 = K > 0 ? K : count;
+    if (n < V) {
+        for (int x = 0; x < n; ++x) {
+            T acc = fromOut ? out[x] : R::identity();
+            for (int k = 0; k < k1; ++k) acc = R::one(tapAt(base, taps[k])[x], acc);
+            out[x] = acc;
+        }
+        return;
+    }
+    const auto id = Vt::set1(R::identity());
+    int x = 0;
+    for (; x + 4 * V <= n; x += 4 * V) {
+        auto a0 = fromOut ? Vt::load(out + x) : id, a1 = fromOut ? Vt::load(out + x + V) : id;
+        auto a2 = fromOut ? Vt::load(out + x + 2 * V) : id, a3 = fromOut ? Vt::load(out + x + 3 * V) : id;
+        for (int k = 0; k < k1; ++k) {
+            const T* p = tapAt(base, taps[k]) + x;
+            a0 = R::vec(Vt::load(p), a0);
+            a1 = R::vec(Vt::load(p + V), a1);
+            a2 = R::vec(Vt::load(p + 2 * V), a2);
+            a3 = R::vec(Vt::load(p + 3 * V), a3);
+        }
+        Vt::store(out + x, a0);
+        Vt::store(out + x + V, a1);
+        Vt::store(out + x + 2 * V, a2);
+        Vt::store(out + x + 3 * V, a3);
+    }
+    auto one = [&](int at) {
+        auto a = fromOut ? Vt::load(out + at) : id;
+        for (int k = 0; k < k1; ++k) a = R::vec(Vt::load(tapAt(base, taps[k]) + at), a);
+        Vt::store(out + at, a);
+    };
+    for (; x + V <= n; x += V) one(x);
+    // The overlapping last vector may meet samples that already hold the
+    // result; from out, taking the same taps again leaves them as they are.
+    if (x < n) one(n - V);
+}
 
 struct Frame {
     const void* src;
@@ -104,44 +127,59 @@ struct Frame {
     int w, h;
 };
 
+// The taps of a mask, in row order, with a bound that keeps them on the
+// stack; longer lists run in groups, each continuing the one before.
+struct TapList {
+    static constexpr int kCapacity = 1024;
+    ptrdiff_t tap[kCapacity];
+    int count = 0;
+};
+
+template <class T, bool Max, class Emit>
+void runTaps(const Frame& f, int C, Emit&& emit) {
+    TapList list;
+    const int n = f.w * C;
+    // emit(add) calls add(row, column) for each tap in order.
+    for (int y = 0; y < f.h; ++y) {
+        const T* base = rowAt(static_cast<const T*>(f.src), f.srcStep, y);
+        T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
+        bool started = false;
+        list.count = 0;
+        auto flush = [&] {
+            reduceTaps<T, Max>(base, list.tap, list.count, out, n, started);
+            started = true;
+            list.count = 0;
+        };
+        emit([&](int row, int column) {
+            if (list.count == TapList::kCapacity) flush();
+            list.tap[list.count++] = static_cast<ptrdiff_t>(row) * f.srcStep + static_cast<ptrdiff_t>(column) * C * sizeof(T);
+        });
+        if (list.count > 0 || !started) flush();
+    }
+}
+
 // ------------------------------------------------------------ general list
 
 // Any mask: for each mask row, the column indices of its selected elements.
 template <class T, int C, bool Max>
 void listKernel(const Frame& f, const MaskView& m, uint8_t*) {
     const int H = m.H();
-    for (int y = 0; y < f.h; ++y) {
-        const T* in = rowAt(static_cast<const T*>(f.src), f.srcStep, y);
-        T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
-        walkRow<T>(f.w * C, [&](auto tag, int x) {
-            Acc<T, Max, decltype(tag)::value> acc;
-            for (int i = 0; i < H; ++i) {
-                const uint16_t* list = m.rowList(i);
-                const T* r = rowAt(in, f.srcStep, i) + x;
-                for (int k = 1; k <= list[0]; ++k) acc.take(r + list[k] * C);
-            }
-            acc.put(out + x);
-        });
-    }
+    runTaps<T, Max>(f, C, [&](auto&& add) {
+        for (int i = 0; i < H; ++i) {
+            const uint16_t* list = m.rowList(i);
+            for (int k = 1; k <= list[0]; ++k) add(i, list[k]);
+        }
+    });
 }
 
 // Every mask row one run: its count and first column from the run table.
 template <class T, int C, bool Max>
 void runKernel(const Frame& f, const MaskView& m, uint8_t*) {
     const int H = m.H();
-    for (int y = 0; y < f.h; ++y) {
-        const T* in = rowAt(static_cast<const T*>(f.src), f.srcStep, y);
-        T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
-        walkRow<T>(f.w * C, [&](auto tag, int x) {
-            Acc<T, Max, decltype(tag)::value> acc;
-            for (int i = 0; i < H; ++i) {
-                const uint16_t* run = m.run(i);
-                const T* r = rowAt(in, f.srcStep, i) + x + run[1] * C;
-                for (int k = 0; k < run[0]; ++k) acc.take(r + k * C);
-            }
-            acc.put(out + x);
-        });
-    }
+    runTaps<T, Max>(f, C, [&](auto&& add) {
+        for (int i = 0; i < H; ++i)
+            for (int k = 0; k < m.run(i)[0]; ++k) add(i, m.run(i)[1] + k);
+    });
 }
 
 // A cross: the full row at the stored row index, then the full column at the
@@ -150,18 +188,10 @@ template <class T, int C, bool Max>
 void crossKernel(const Frame& f, const MaskView& m, uint8_t*) {
     const int W = m.W(), H = m.H();
     const int row = m.run(0)[0], col = m.run(0)[1];
-    for (int y = 0; y < f.h; ++y) {
-        const T* in = rowAt(static_cast<const T*>(f.src), f.srcStep, y);
-        T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
-        walkRow<T>(f.w * C, [&](auto tag, int x) {
-            Acc<T, Max, decltype(tag)::value> acc;
-            const T* r = rowAt(in, f.srcStep, row) + x;
-            for (int j = 0; j < W; ++j) acc.take(r + j * C);
-            const T* c = in + x + col * C;
-            for (int i = 0; i < H; ++i) acc.take(rowAt(c, f.srcStep, i));
-            acc.put(out + x);
-        });
-    }
+    runTaps<T, Max>(f, C, [&](auto&& add) {
+        for (int j = 0; j < W; ++j) add(row, j);
+        for (int i = 0; i < H; ++i) add(i, col);
+    });
 }
 
 // ------------------------------------------------------------ fixed shapes
@@ -170,46 +200,124 @@ struct Run {
     int row, first, count;
 };
 struct Plus3 {
-    static constexpr int rows = 3;
+    static constexpr int rows = 3, taps = 5;
     static constexpr Run runs[3] = {{0, 1, 1}, {1, 0, 3}, {2, 1, 1}};
 };
 struct Diamond5 {
-    static constexpr int rows = 5;
+    static constexpr int rows = 5, taps = 13;
     static constexpr Run runs[5] = {{0, 2, 1}, {1, 1, 3}, {2, 0, 5}, {3, 1, 3}, {4, 2, 1}};
 };
 struct Round7 {
-    static constexpr int rows = 7;
+    static constexpr int rows = 7, taps = 29;
     static constexpr Run runs[7] = {{0, 3, 1}, {1, 1, 5}, {2, 1, 5}, {3, 0, 7}, {4, 1, 5}, {5, 1, 5}, {6, 3, 1}};
 };
 struct Rect3 {
-    static constexpr int rows = 3;
+    static constexpr int rows = 3, taps = 9;
     static constexpr Run runs[3] = {{0, 0, 3}, {1, 0, 3}, {2, 0, 3}};
 };
 
-// Straight code over a pattern known at compile time: the loops unroll into
-// a fixed list of loads.
+// A pattern known at compile time: its number of taps is a constant, so the
+// loop over them unrolls into a fixed list of loads.
+template <class Shape>
+constexpr int tapCount() {
+    int k = 0;
+    for (const Run& r : Shape::runs) k += r.count;
+    return k;
+}
+
 template <class Shape, class T, int C, bool Max>
 void shapeKernel(const Frame& f, const MaskView&, uint8_t*) {
-    for (int y = 0; y < f.h; ++y) {
-        const T* in = rowAt(static_cast<const T*>(f.src), f.srcStep, y);
-        T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
-        walkRow<T>(f.w * C, [&](auto tag, int x) {
-            Acc<T, Max, decltype(tag)::value> acc;
-            for (int i = 0; i < Shape::rows; ++i) {
-                const T* r = rowAt(in, f.srcStep, Shape::runs[i].row) + x + Shape::runs[i].first * C;
-                for (int k = 0; k < Shape::runs[i].count; ++k) acc.take(r + k * C);
-            }
-            acc.put(out + x);
-        });
-    }
+    static_assert(tapCount<Shape>() == Shape::taps, "taps of the pattern");
+    ptrdiff_t taps[Shape::taps];
+    int k = 0;
+    for (const Run& r : Shape::runs)
+        for (int j = 0; j < r.count; ++j)
+            taps[k++] = static_cast<ptrdiff_t>(r.row) * f.srcStep + static_cast<ptrdiff_t>(r.first + j) * C * sizeof(T);
+    for (int y = 0; y < f.h; ++y)
+        reduceTaps<T, Max, Shape::taps>(rowAt(static_cast<const T*>(f.src), f.srcStep, y), taps, Shape::taps,
+                                        rowAt(static_cast<T*>(f.dst), f.dstStep, y), f.w * C);
 }
 
 // ------------------------------------------------------------ rectangle
+
+// One row of the rectangle's row pass: out[x] = op over j < W of in[x + jC],
+// for n samples. Narrow masks take the W taps directly. Wider ones double
+// the window in a temporary on the stack, in chunks: pairs, then quadruples
+// and so on up to the greatest power of two 2^k <= W, and finally two
+// windows of 2^k that overlap to cover W; about log2(W) + 1 passes whatever
+// the mask's width. Every merge keeps the earlier half's value on a tie, as
+// the direct order does; integer max and min don't depend on order, and for
+// 32f both forms skip NaN alike, so the result is the direct one.
+template <class T, int C, bool Max>
+struct RowReducer {
+    static constexpr int V = Vec<T>::lanes;
+    static constexpr int kTempBytes = 16384;
+    static constexpr int kDirectUpTo = 7;
+    static constexpr ptrdiff_t kTap = C * sizeof(T);
+
+    // t[i] = op(t[i + d], t[i]) for i < count, forward and in place: each
+    // vector loads both operands before its store, and later loads lie at or
+    // past the stored ones. Whole vectors, reading up to V - 1 samples of
+    // slack past the valid part, which only feed positions that are past it.
+    static void foldInPlace(T* t, int count, int d) {
+        using R = Reduce<T, Max>;
+        for (int i = 0; i < count; i += V) Vec<T>::store(t + i, R::vec(Vec<T>::load(t + i + d), Vec<T>::load(t + i)));
+    }
+
+    static void run(const T* in, T* out, int n, int W) {
+        using R = Reduce<T, Max>;
+        const int reach = (W - 1) * C;
+        constexpr int cap = kTempBytes / static_cast<int>(sizeof(T));
+        const int chunk = cap - reach - 2 * V;
+        if (W <= kDirectUpTo || chunk < 8 * V) {
+            ptrdiff_t taps[TapList::kCapacity];
+            for (int j0 = 0; j0 < W; j0 += TapList::kCapacity) {
+                const int count = W - j0 < TapList::kCapacity ? W - j0 : TapList::kCapacity;
+                for (int j = 0; j < count; ++j) taps[j] = (j0 + j) * kTap;
+                reduceTaps<T, Max>(in, taps, count, out, n, j0 > 0);
+            }
+            return;
+        }
+        alignas(32) T t[cap];
+        for (int x0 = 0; x0 < n; x0 += chunk) {
+            const int len = n - x0 < chunk ? n - x0 : chunk;
+            // Pairs from the input: len + reach - C valid samples, then two
+            // vectors of the identity as slack.
+            int valid = len + reach - C;
+            const ptrdiff_t pair[2] = {0, kTap};
+            reduceTaps<T, Max, 2>(in + x0, pair, 2, t, valid);
+            for (int k = valid; k < valid + 2 * V; ++k) t[k] = R::identity();
+            int span = 2;
+            while (2 * span <= W) {
+                valid -= span * C;
+                foldInPlace(t, valid, span * C);
+                span *= 2;
+            }
+            const ptrdiff_t halves[2] = {0, (W - span) * kTap};
+            reduceTaps<T, Max, 2>(t, halves, 2, out + x0, len);
+        }
+    }
+};
+
+// out = op over `count` ring rows from input row `first` on, in input order.
+template <class T, bool Max>
+void reduceRing(const uint8_t* ring, int stride, int H, int first, int count, T* out, int n, bool fromOut) {
+    ptrdiff_t taps[TapList::kCapacity];
+    for (int i0 = 0; i0 < count; i0 += TapList::kCapacity) {
+        const int group = count - i0 < TapList::kCapacity ? count - i0 : TapList::kCapacity;
+        for (int i = 0; i < group; ++i) taps[i] = static_cast<ptrdiff_t>((first + i0 + i) % H) * stride;
+        reduceTaps<T, Max>(reinterpret_cast<const T*>(ring), taps, group, out, n, fromOut || i0 > 0);
+    }
+}
 
 // A full W x H rectangle in two passes. The row pass reduces each input row
 // over W samples a channel into a ring of H rows (stride a multiple of 32
 // bytes); the ring is primed with H - 1 rows, then each output row adds one
 // row to the ring and the column pass reduces the H ring rows in input order.
+// From H = 5 on, output rows go in pairs that share their H - 1 common ring
+// rows: their reduction gives output row y + 1 a start, and row y its
+// result with ring row y; row y + 1 then takes ring row y + H once that row
+// has replaced row y in the ring.
 template <class T, int C, bool Max>
 void rectKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
     const int W = m.W(), H = m.H();
@@ -217,23 +325,26 @@ void rectKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
     const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
     auto ringRow = [&](int r) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(r % H) * stride); };
     auto rowPass = [&](int r) {
-        const T* in = rowAt(static_cast<const T*>(f.src), f.srcStep, r);
-        T* out = ringRow(r);
-        walkRow<T>(n, [&](auto tag, int x) {
-            Acc<T, Max, decltype(tag)::value> acc;
-            for (int j = 0; j < W; ++j) acc.take(in + x + j * C);
-            acc.put(out + x);
-        });
+        RowReducer<T, C, Max>::run(rowAt(static_cast<const T*>(f.src), f.srcStep, r), ringRow(r), n, W);
     };
+    auto outRow = [&](int y) { return rowAt(static_cast<T*>(f.dst), f.dstStep, y); };
     for (int r = 0; r < H - 1; ++r) rowPass(r);
-    for (int y = 0; y < f.h; ++y) {
+    int y = 0;
+    if (H >= 5) {
+        for (; y + 2 <= f.h; y += 2) {
+            rowPass(y + H - 1);
+            T* out0 = outRow(y);
+            T* out1 = outRow(y + 1);
+            reduceRing<T, Max>(ring, stride, H, y + 1, H - 1, out1, n, false);
+            const ptrdiff_t pair[2] = {reinterpret_cast<const uint8_t*>(ringRow(y)) - reinterpret_cast<const uint8_t*>(out1), 0};
+            reduceTaps<T, Max, 2>(out1, pair, 2, out0, n);
+            rowPass(y + H);
+            reduceRing<T, Max>(ring, stride, H, y + H, 1, out1, n, true);
+        }
+    }
+    for (; y < f.h; ++y) {
         rowPass(y + H - 1);
-        T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
-        walkRow<T>(n, [&](auto tag, int x) {
-            Acc<T, Max, decltype(tag)::value> acc;
-            for (int i = 0; i < H; ++i) acc.take(ringRow(y + i) + x);
-            acc.put(out + x);
-        });
+        reduceRing<T, Max>(ring, stride, H, y, H, outRow(y), n, false);
     }
 }
 

@@ -99,15 +99,22 @@ Canvas<T> makeCanvas(lumtest::Rng& rng, int w, int h, int C, bool randomFill) {
     return c;
 }
 
+// Full rectangles wider than 7, whose row pass doubles its window.
+std::vector<uint8_t> wideRect(lumtest::Rng& rng, int& mw, int& mh) {
+    mw = rng.uniform(8, 23);
+    mh = rng.uniform(1, 9);
+    return std::vector<uint8_t>(static_cast<size_t>(mw) * mh, 1);
+}
+
 template <class T, int C>
-void sweep(bool dilate, int cases) {
+void sweep(bool dilate, int cases, bool wide = false) {
     using A = Api<T, C>;
     LUMTEST_REPLAYABLE();
     lumtest::Rng rng;
     for (int n = 0; n < cases; ++n) {
         int mw, mh;
-        const std::vector<uint8_t> mask = randomMask(rng, mw, mh);
-        const int w = rng.chance(0.5) ? rng.uniform(1, 12) : rng.uniform(1, 75);
+        const std::vector<uint8_t> mask = wide ? wideRect(rng, mw, mh) : randomMask(rng, mw, mh);
+        const int w = rng.chance(0.5) ? rng.uniform(1, 12) : rng.uniform(1, wide ? 150 : 75);
         const int h = rng.uniform(1, 12);
         const int word = randomBorder(rng);
         const bool formL = rng.chance(0.5);
@@ -175,5 +182,51 @@ TEST(MorphSweep, Dilate16uC1) { sweep<Lum16u, 1>(true, 250); }
 TEST(MorphSweep, Erode16uC1) { sweep<Lum16u, 1>(false, 250); }
 TEST(MorphSweep, Dilate16sC1) { sweep<Lum16s, 1>(true, 250); }
 TEST(MorphSweep, Erode16sC1) { sweep<Lum16s, 1>(false, 250); }
+
+TEST(MorphSweep, WideRectangles8u) {
+    sweep<Lum8u, 1>(true, 150, true);
+    sweep<Lum8u, 3>(false, 60, true);
+}
+TEST(MorphSweep, WideRectangles32f) {
+    sweep<Lum32f, 1>(false, 100, true);
+    sweep<Lum32f, 4>(true, 40, true);
+}
+TEST(MorphSweep, WideRectangles16bit) {
+    sweep<Lum16u, 1>(true, 80, true);
+    sweep<Lum16s, 1>(false, 80, true);
+}
+
+// Rows longer than the row pass's temporary: the window doubles chunk by
+// chunk.
+template <class T, int C>
+void longRows(int w, int mw, int mh) {
+    using A = Api<T, C>;
+    lumtest::Rng rng;
+    const int h = 4;
+    Canvas<T> src = makeCanvas<T>(rng, w, h, C, true);
+    Canvas<T> dst = makeCanvas<T>(rng, w, h, C, false);
+    const std::vector<uint8_t> mask(static_cast<size_t>(mw) * mh, 1);
+    int spec = 0, buf = 0;
+    ASSERT_EQ(lumiErodeGetSpecSize_L({w, h}, {mw, mh}, &spec), lumStatusOk);
+    ASSERT_EQ(lumiErodeGetBufferSize_L({w, h}, {mw, mh}, static_cast<LumDataType>(A::dataType), C, &buf),
+              lumStatusOk);
+    std::vector<uint8_t> specBlock(spec), bufBlock(buf);
+    ASSERT_EQ(lumiErodeInit_L({w, h}, mask.data(), {mw, mh}, specBlock.data()), lumStatusOk);
+    for (bool dilate : {true, false}) {
+        ASSERT_EQ(A::filterL(dilate, src.at(0, 0), src.step, dst.at(0, 0), dst.step, {w, h}, 3, nullptr,
+                                     specBlock.data(), bufBlock.data()),
+                  lumStatusOk);
+        const std::vector<T> ref = reference<T>(src, w, h, mask, mw, mh, 3, nullptr, dilate);
+        for (int y = 0; y < h; ++y)
+            ASSERT_EQ(std::memcmp(dst.at(0, y), &ref[static_cast<size_t>(y) * w * C], sizeof(T) * w * C), 0) << y;
+    }
+}
+
+TEST(MorphSweep, RowsLongerThanOneChunk) {
+    longRows<Lum8u, 1>(17000, 9, 3);
+    longRows<Lum8u, 4>(4500, 11, 2);
+    longRows<Lum32f, 1>(4300, 13, 1);
+    longRows<Lum16s, 1>(8500, 9, 5);
+}
 
 }  // namespace
