@@ -166,7 +166,7 @@ void runMorph(const T* src, int srcStep, T* dst, int dstStep, LumiSize roi, int 
     auto out = [&](int x, int y) { return rowAt(dst, dstStep, y) + static_cast<ptrdiff_t>(x) * C; };
 
     if (flags == border::kInMemory) {
-        kernel({at(-ax, -ay), srcStep, dst, dstStep, w, h}, m, ring);
+        kernel({at(-ax, -ay), srcStep, dst, dstStep, w, h, false}, m, ring);
         return;
     }
 
@@ -188,7 +188,7 @@ void runMorph(const T* src, int srcStep, T* dst, int dstStep, LumiSize roi, int 
             skip.right = lastCol;
         }
         copyBordered<T, C>(src, srcStep, w, h, -ax, -ay, bw, bh, wordIn, value, scratch, skip);
-        kernel({scratch, static_cast<int>(bw * C * sizeof(T)), dst, dstStep, w, h}, m, ring);
+        kernel({scratch, static_cast<int>(bw * C * sizeof(T)), dst, dstStep, w, h, true}, m, ring);
         return;
     }
 
@@ -197,7 +197,7 @@ void runMorph(const T* src, int srcStep, T* dst, int dstStep, LumiSize roi, int 
     auto band = [&](int ox, int oy, int ow, int oh) {
         const int bw = ow + W - 1, bh = oh + H - 1;
         copyBordered<T, C>(src, srcStep, w, h, ox - ax, oy - ay, bw, bh, wordIn, value, scratch, Skip{});
-        kernel({scratch, static_cast<int>(bw * C * sizeof(T)), out(ox, oy), dstStep, ow, oh}, m, ring);
+        kernel({scratch, static_cast<int>(bw * C * sizeof(T)), out(ox, oy), dstStep, ow, oh, true}, m, ring);
     };
     if (!(flags & border::kTop)) {
         band(0, 0, w, ay);
@@ -217,7 +217,7 @@ void runMorph(const T* src, int srcStep, T* dst, int dstStep, LumiSize roi, int 
         band(x0 + wc - rx, y0, rx, hc);
         wc -= rx;
     }
-    kernel({at(x0 - ax, y0 - ay), srcStep, out(x0, y0), dstStep, wc, hc}, m, ring);
+    kernel({at(x0 - ax, y0 - ay), srcStep, out(x0, y0), dstStep, wc, hc, false}, m, ring);
 }
 
 #define LUM_MORPH_INSTANCE(T, C)                                                                               \

@@ -17,6 +17,7 @@
 #include <cfloat>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -69,20 +70,36 @@ struct Reduce<float, Max> {
 // from the identity (or from out itself, to continue a reduction). Four
 // vectors go side by side so that the chains of max or min overlap; the
 // remainder takes single vectors and one last vector that ends at the row's
-// end, overlapping samples already written with the same values; rows
-// shorter than a vector go sample by sample. Only the row's samples are
-// read and written.
+// end, overlapping samples already written with the same values. Rows
+// shorter than a vector go sample by sample, unless the taps read the
+// library's own scratch (`padded`), which always has a vector of bytes
+// behind every row: then one vector is computed into the stack and its
+// first n samples are copied out. Nothing but the row's samples is written,
+// and in the caller's images nothing else is read.
 template <class T>
 inline const T* tapAt(const T* base, ptrdiff_t tap) {
     return reinterpret_cast<const T*>(reinterpret_cast<const uint8_t*>(base) + tap);
 }
 
 template <class T, bool Max, int K = 0>
-inline void reduceTaps(const T* base, const ptrdiff_t* taps, int count, T* out, int n, bool fromOut = false) {
+inline void reduceTaps(const T* base, const ptrdiff_t* taps, int count, T* out, int n, bool fromOut = false,
+                       bool padded = false) {
     using R = Reduce<T, Max>;
     using Vt = Vec<T>;
     constexpr int V = Vt::lanes;
     const int k1 = K > 0 ? K : count;
+    if (n < V && padded) {
+        alignas(32) T tmp[V] = {};
+        auto a = Vt::set1(R::identity());
+        if (fromOut) {
+            for (int x = 0; x < n; ++x) tmp[x] = out[x];
+            a = Vt::load(tmp);
+        }
+        for (int k = 0; k < k1; ++k) a = R::vec(Vt::load(tapAt(base, taps[k])), a);
+        Vt::store(tmp, a);
+        for (int x = 0; x < n; ++x) out[x] = tmp[x];
+        return;
+    }
     if (n < V) {
         for (int x = 0; x < n; ++x) {
             T acc = fromOut ? out[x] : R::identity();
@@ -119,12 +136,31 @@ inline void reduceTaps(const T* base, const ptrdiff_t* taps, int count, T* out, 
     if (x < n) one(n - V);
 }
 
+// reduceTaps with the count as a constant for the short lists that the
+// rectangle's passes and small masks produce, so that their loops unroll.
+template <class T, bool Max>
+inline void reduceTapsAny(const T* base, const ptrdiff_t* taps, int count, T* out, int n, bool fromOut,
+                          bool padded = false) {
+    switch (count) {
+        case 1: return reduceTaps<T, Max, 1>(base, taps, 1, out, n, fromOut, padded);
+        case 2: return reduceTaps<T, Max, 2>(base, taps, 2, out, n, fromOut, padded);
+        case 3: return reduceTaps<T, Max, 3>(base, taps, 3, out, n, fromOut, padded);
+        case 4: return reduceTaps<T, Max, 4>(base, taps, 4, out, n, fromOut, padded);
+        case 5: return reduceTaps<T, Max, 5>(base, taps, 5, out, n, fromOut, padded);
+        case 6: return reduceTaps<T, Max, 6>(base, taps, 6, out, n, fromOut, padded);
+        case 7: return reduceTaps<T, Max, 7>(base, taps, 7, out, n, fromOut, padded);
+        case 8: return reduceTaps<T, Max, 8>(base, taps, 8, out, n, fromOut, padded);
+        default: return reduceTaps<T, Max>(base, taps, count, out, n, fromOut, padded);
+    }
+}
+
 struct Frame {
     const void* src;
     int srcStep;
     void* dst;
     int dstStep;
     int w, h;
+    bool padded;  // src is the library's scratch: a vector may be read past a row
 };
 
 // The taps of a mask, in row order, with a bound that keeps them on the
@@ -139,22 +175,31 @@ template <class T, bool Max, class Emit>
 void runTaps(const Frame& f, int C, Emit&& emit) {
     TapList list;
     const int n = f.w * C;
+    const ptrdiff_t sampleBytes = C * sizeof(T);
     // emit(add) calls add(row, column) for each tap in order.
+    int total = 0;
+    emit([&](int row, int column) {
+        if (total < TapList::kCapacity) list.tap[total] = static_cast<ptrdiff_t>(row) * f.srcStep + column * sampleBytes;
+        ++total;
+    });
     for (int y = 0; y < f.h; ++y) {
         const T* base = rowAt(static_cast<const T*>(f.src), f.srcStep, y);
         T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
+        if (total <= TapList::kCapacity) {
+            reduceTapsAny<T, Max>(base, list.tap, total, out, n, false, f.padded);
+            continue;
+        }
         bool started = false;
         list.count = 0;
-        auto flush = [&] {
-            reduceTaps<T, Max>(base, list.tap, list.count, out, n, started);
-            started = true;
-            list.count = 0;
-        };
         emit([&](int row, int column) {
-            if (list.count == TapList::kCapacity) flush();
-            list.tap[list.count++] = static_cast<ptrdiff_t>(row) * f.srcStep + static_cast<ptrdiff_t>(column) * C * sizeof(T);
+            if (list.count == TapList::kCapacity) {
+                reduceTaps<T, Max>(base, list.tap, list.count, out, n, started, f.padded);
+                started = true;
+                list.count = 0;
+            }
+            list.tap[list.count++] = static_cast<ptrdiff_t>(row) * f.srcStep + column * sampleBytes;
         });
-        if (list.count > 0 || !started) flush();
+        reduceTaps<T, Max>(base, list.tap, list.count, out, n, started, f.padded);
     }
 }
 
@@ -235,7 +280,7 @@ void shapeKernel(const Frame& f, const MaskView&, uint8_t*) {
             taps[k++] = static_cast<ptrdiff_t>(r.row) * f.srcStep + static_cast<ptrdiff_t>(r.first + j) * C * sizeof(T);
     for (int y = 0; y < f.h; ++y)
         reduceTaps<T, Max, Shape::taps>(rowAt(static_cast<const T*>(f.src), f.srcStep, y), taps, Shape::taps,
-                                        rowAt(static_cast<T*>(f.dst), f.dstStep, y), f.w * C);
+                                        rowAt(static_cast<T*>(f.dst), f.dstStep, y), f.w * C, false, f.padded);
 }
 
 // ------------------------------------------------------------ rectangle
@@ -264,20 +309,33 @@ struct RowReducer {
         for (int i = 0; i < count; i += V) Vec<T>::store(t + i, R::vec(Vec<T>::load(t + i + d), Vec<T>::load(t + i)));
     }
 
-    static void run(const T* in, T* out, int n, int W) {
+    static void run(const T* in, T* out, int n, int W, bool padded) {
+        if (W <= kDirectUpTo) {
+            ptrdiff_t taps[kDirectUpTo];
+            for (int j = 0; j < W; ++j) taps[j] = j * kTap;
+            reduceTapsAny<T, Max>(in, taps, W, out, n, false, padded);
+        } else if (kTempBytes / static_cast<int>(sizeof(T)) - (W - 1) * C - 2 * V < 8 * V) {
+            direct(in, out, n, W, padded);
+        } else {
+            doubling(in, out, n, W, padded);
+        }
+    }
+
+    // W taps in groups of a tap list.
+    [[gnu::noinline]] static void direct(const T* in, T* out, int n, int W, bool padded) {
+        ptrdiff_t taps[TapList::kCapacity];
+        for (int j0 = 0; j0 < W; j0 += TapList::kCapacity) {
+            const int count = W - j0 < TapList::kCapacity ? W - j0 : TapList::kCapacity;
+            for (int j = 0; j < count; ++j) taps[j] = (j0 + j) * kTap;
+            reduceTapsAny<T, Max>(in, taps, count, out, n, j0 > 0, padded);
+        }
+    }
+
+    [[gnu::noinline]] static void doubling(const T* in, T* out, int n, int W, bool padded) {
         using R = Reduce<T, Max>;
         const int reach = (W - 1) * C;
         constexpr int cap = kTempBytes / static_cast<int>(sizeof(T));
         const int chunk = cap - reach - 2 * V;
-        if (W <= kDirectUpTo || chunk < 8 * V) {
-            ptrdiff_t taps[TapList::kCapacity];
-            for (int j0 = 0; j0 < W; j0 += TapList::kCapacity) {
-                const int count = W - j0 < TapList::kCapacity ? W - j0 : TapList::kCapacity;
-                for (int j = 0; j < count; ++j) taps[j] = (j0 + j) * kTap;
-                reduceTaps<T, Max>(in, taps, count, out, n, j0 > 0);
-            }
-            return;
-        }
         alignas(32) T t[cap];
         for (int x0 = 0; x0 < n; x0 += chunk) {
             const int len = n - x0 < chunk ? n - x0 : chunk;
@@ -285,7 +343,7 @@ struct RowReducer {
             // vectors of the identity as slack.
             int valid = len + reach - C;
             const ptrdiff_t pair[2] = {0, kTap};
-            reduceTaps<T, Max, 2>(in + x0, pair, 2, t, valid);
+            reduceTaps<T, Max, 2>(in + x0, pair, 2, t, valid, false, padded);
             for (int k = valid; k < valid + 2 * V; ++k) t[k] = R::identity();
             int span = 2;
             while (2 * span <= W) {
@@ -294,7 +352,7 @@ struct RowReducer {
                 span *= 2;
             }
             const ptrdiff_t halves[2] = {0, (W - span) * kTap};
-            reduceTaps<T, Max, 2>(t, halves, 2, out + x0, len);
+            reduceTaps<T, Max, 2>(t, halves, 2, out + x0, len, false, true);
         }
     }
 };
@@ -302,11 +360,21 @@ struct RowReducer {
 // out = op over `count` ring rows from input row `first` on, in input order.
 template <class T, bool Max>
 void reduceRing(const uint8_t* ring, int stride, int H, int first, int count, T* out, int n, bool fromOut) {
+    constexpr int kShort = 16;
+    ptrdiff_t shortTaps[kShort];
+    int slot = first % H;
+    if (count <= kShort) {
+        for (int i = 0; i < count; ++i, slot = slot + 1 == H ? 0 : slot + 1)
+            shortTaps[i] = static_cast<ptrdiff_t>(slot) * stride;
+        reduceTapsAny<T, Max>(reinterpret_cast<const T*>(ring), shortTaps, count, out, n, fromOut, true);
+        return;
+    }
     ptrdiff_t taps[TapList::kCapacity];
     for (int i0 = 0; i0 < count; i0 += TapList::kCapacity) {
         const int group = count - i0 < TapList::kCapacity ? count - i0 : TapList::kCapacity;
-        for (int i = 0; i < group; ++i) taps[i] = static_cast<ptrdiff_t>((first + i0 + i) % H) * stride;
-        reduceTaps<T, Max>(reinterpret_cast<const T*>(ring), taps, group, out, n, fromOut || i0 > 0);
+        for (int i = 0; i < group; ++i, slot = slot + 1 == H ? 0 : slot + 1)
+            taps[i] = static_cast<ptrdiff_t>(slot) * stride;
+        reduceTapsAny<T, Max>(reinterpret_cast<const T*>(ring), taps, group, out, n, fromOut || i0 > 0, true);
     }
 }
 
@@ -314,7 +382,7 @@ void reduceRing(const uint8_t* ring, int stride, int H, int first, int count, T*
 // over W samples a channel into a ring of H rows (stride a multiple of 32
 // bytes); the ring is primed with H - 1 rows, then each output row adds one
 // row to the ring and the column pass reduces the H ring rows in input order.
-// From H = 5 on, output rows go in pairs that share their H - 1 common ring
+// From H = 5 on, in rows of four vectors or more, output rows go in pairs that share their H - 1 common ring
 // rows: their reduction gives output row y + 1 a start, and row y its
 // result with ring row y; row y + 1 then takes ring row y + H once that row
 // has replaced row y in the ring.
@@ -325,12 +393,12 @@ void rectKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
     const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
     auto ringRow = [&](int r) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(r % H) * stride); };
     auto rowPass = [&](int r) {
-        RowReducer<T, C, Max>::run(rowAt(static_cast<const T*>(f.src), f.srcStep, r), ringRow(r), n, W);
+        RowReducer<T, C, Max>::run(rowAt(static_cast<const T*>(f.src), f.srcStep, r), ringRow(r), n, W, f.padded);
     };
     auto outRow = [&](int y) { return rowAt(static_cast<T*>(f.dst), f.dstStep, y); };
     for (int r = 0; r < H - 1; ++r) rowPass(r);
     int y = 0;
-    if (H >= 5) {
+    if (H >= 5 && n >= 4 * Vec<T>::lanes) {
         for (; y + 2 <= f.h; y += 2) {
             rowPass(y + H - 1);
             T* out0 = outRow(y);

@@ -199,13 +199,14 @@ TEST(MorphSweep, WideRectangles16bit) {
 // Rows longer than the row pass's temporary: the window doubles chunk by
 // chunk.
 template <class T, int C>
-void longRows(int w, int mw, int mh) {
+void longRows(int w, int mw, int mh, int h = 4, double density = 1.0) {
     using A = Api<T, C>;
     lumtest::Rng rng;
-    const int h = 4;
     Canvas<T> src = makeCanvas<T>(rng, w, h, C, true);
     Canvas<T> dst = makeCanvas<T>(rng, w, h, C, false);
-    const std::vector<uint8_t> mask(static_cast<size_t>(mw) * mh, 1);
+    std::vector<uint8_t> mask(static_cast<size_t>(mw) * mh, 1);
+    if (density < 1.0)
+        for (auto& v : mask) v = rng.chance(density);
     int spec = 0, buf = 0;
     ASSERT_EQ(lumiErodeGetSpecSize_L({w, h}, {mw, mh}, &spec), lumStatusOk);
     ASSERT_EQ(lumiErodeGetBufferSize_L({w, h}, {mw, mh}, static_cast<LumDataType>(A::dataType), C, &buf),
@@ -227,6 +228,14 @@ TEST(MorphSweep, RowsLongerThanOneChunk) {
     longRows<Lum8u, 4>(4500, 11, 2);
     longRows<Lum32f, 1>(4300, 13, 1);
     longRows<Lum16s, 1>(8500, 9, 5);
+}
+
+// Masks with more selected elements, or longer rows and columns of a
+// rectangle, than one group of taps holds.
+TEST(MorphSweep, LargeMasks) {
+    longRows<Lum8u, 1>(60, 51, 41, 50, 0.7);
+    longRows<Lum32f, 4>(1103, 1101, 1, 2);
+    longRows<Lum16u, 1>(3, 1, 1101, 1103);
 }
 
 }  // namespace
