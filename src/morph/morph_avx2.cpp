@@ -52,7 +52,7 @@ Kernel pickKernel(const MaskView& m) {
     const int cls = m.classification();
     if (cls & kFullRect) {
         if constexpr (std::is_same_v<T, uint8_t> && C == 1)
-            if (m.W() == 3 && m.H() == 3) return shapeKernel<Rect3, T, C, Max>;
+            if (m.W() == 3 && m.H() == 3) return rect3x3_8u<Max>;
         return rectKernel<T, C, Max>;
     }
     if ((cls & kShapeRound7) == kShapeRound7) return shapeKernel<Round7, T, C, Max>;

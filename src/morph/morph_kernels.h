@@ -256,10 +256,6 @@ struct Round7 {
     static constexpr int rows = 7, taps = 29;
     static constexpr Run runs[7] = {{0, 3, 1}, {1, 1, 5}, {2, 1, 5}, {3, 0, 7}, {4, 1, 5}, {5, 1, 5}, {6, 3, 1}};
 };
-struct Rect3 {
-    static constexpr int rows = 3, taps = 9;
-    static constexpr Run runs[3] = {{0, 0, 3}, {1, 0, 3}, {2, 0, 3}};
-};
 
 // A pattern known at compile time: its number of taps is a constant, so the
 // loop over them unrolls into a fixed list of loads.
@@ -281,6 +277,40 @@ void shapeKernel(const Frame& f, const MaskView&, uint8_t*) {
     for (int y = 0; y < f.h; ++y)
         reduceTaps<T, Max, Shape::taps>(rowAt(static_cast<const T*>(f.src), f.srcStep, y), taps, Shape::taps,
                                         rowAt(static_cast<T*>(f.dst), f.dstStep, y), f.w * C, false, f.padded);
+}
+
+// The 8u one-channel 3x3 rectangle: per 32 pixels, the column maximum (or
+// minimum) of the three rows, then that vector against itself shifted by one
+// and by two pixels, which the next 32 columns' vector supplies across the
+// lane boundary; the row's last pixels take the nine taps.
+template <bool Max>
+void rect3x3_8u(const Frame& f, const MaskView&, uint8_t*) {
+    using R = Reduce<uint8_t, Max>;
+    const int n = f.w;
+    const ptrdiff_t s = f.srcStep;
+    const ptrdiff_t taps[9] = {0, 1, 2, s, s + 1, s + 2, 2 * s, 2 * s + 1, 2 * s + 2};
+    for (int y = 0; y < f.h; ++y) {
+        const uint8_t* r0 = rowAt(static_cast<const uint8_t*>(f.src), f.srcStep, y);
+        uint8_t* out = rowAt(static_cast<uint8_t*>(f.dst), f.dstStep, y);
+        auto column = [&](int x) {
+            return R::vec(Vec<uint8_t>::load(r0 + 2 * s + x),
+                          R::vec(Vec<uint8_t>::load(r0 + s + x), Vec<uint8_t>::load(r0 + x)));
+        };
+        int x = 0;
+        if (n + 2 >= 64) {
+            __m256i v0 = column(0);
+            for (; x + 64 <= n + 2; x += 32) {
+                const __m256i v1 = column(x + 32);
+                // p = (v0 high lane, v1 low lane): alignr then shifts each
+                // lane by whole pixels across the 32 bytes of v0.
+                const __m256i p = _mm256_permute2x128_si256(v0, v1, 0x21);
+                const __m256i s1 = _mm256_alignr_epi8(p, v0, 1), s2 = _mm256_alignr_epi8(p, v0, 2);
+                Vec<uint8_t>::store(out + x, R::vec(s2, R::vec(s1, v0)));
+                v0 = v1;
+            }
+        }
+        if (x < n) reduceTaps<uint8_t, Max, 9>(r0 + x, taps, 9, out + x, n - x, false, f.padded);
+    }
 }
 
 // ------------------------------------------------------------ rectangle

@@ -175,6 +175,24 @@ TEST(MorphEdges, ChoiceNaNSamplesAreSkipped) {
     EXPECT_TRUE(std::isnan(out[0]));
 }
 
+// With code 6 and some sides in memory, a pixel outside on a side that is
+// not in memory takes the value, also at a corner whose other side is in
+// memory; the memory sides give the rest.
+TEST(MorphEdges, ChoiceCornerBesideAConstantSideTakesTheValue) {
+    std::vector<Lum8u> img(10 * 10, 100), dst(10 * 10, 0);
+    for (int x = 0; x < 10; ++x) img[1 * 10 + x] = 200;  // the row above the ROI
+    const std::vector<uint8_t> mask = {1, 0, 0, 0, 0, 0, 0, 0, 0};  // the top-left neighbour only
+    LargeSetup s({4, 4}, mask, {3, 3}, 1, 1);
+    const Lum8u value = 7;
+    ASSERT_EQ(lumiDilate_8u_C1R_L(img.data() + 22, 10, dst.data(), 10, {4, 4}, 6 | 16, &value, s.spec.data(),
+                                  s.buf.data()),
+              lumStatusOk);
+    EXPECT_EQ(dst[0], 7);    // (-1, -1): left is not in memory
+    EXPECT_EQ(dst[1], 200);  // (0, -1): the row above, from memory
+    EXPECT_EQ(dst[10], 7);   // (-1, 0)
+    EXPECT_EQ(dst[11], 100);
+}
+
 // ------------------------------------------------------------ no allocation
 
 template <class T>

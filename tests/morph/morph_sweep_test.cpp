@@ -17,7 +17,7 @@ namespace {
 
 using namespace morphtest;
 
-constexpr int kMargin = 4;
+constexpr int kMargin = 12;  // at least the widest radius of the masks swept
 constexpr uint8_t kGuard = 0xA5;
 
 std::vector<uint8_t> randomMask(lumtest::Rng& rng, int& mw, int& mh) {
@@ -106,14 +106,21 @@ std::vector<uint8_t> wideRect(lumtest::Rng& rng, int& mw, int& mh) {
     return std::vector<uint8_t>(static_cast<size_t>(mw) * mh, 1);
 }
 
+enum class Masks { Random, WideRects, Rect3x3 };
+
 template <class T, int C>
-void sweep(bool dilate, int cases, bool wide = false) {
+void sweep(bool dilate, int cases, Masks kind = Masks::Random) {
+    const bool wide = kind != Masks::Random;
     using A = Api<T, C>;
     LUMTEST_REPLAYABLE();
     lumtest::Rng rng;
     for (int n = 0; n < cases; ++n) {
         int mw, mh;
-        const std::vector<uint8_t> mask = wide ? wideRect(rng, mw, mh) : randomMask(rng, mw, mh);
+        std::vector<uint8_t> mask = wide ? wideRect(rng, mw, mh) : randomMask(rng, mw, mh);
+        if (kind == Masks::Rect3x3) {
+            mw = mh = 3;
+            mask.assign(9, 1);
+        }
         const int w = rng.chance(0.5) ? rng.uniform(1, 12) : rng.uniform(1, wide ? 150 : 75);
         const int h = rng.uniform(1, 12);
         const int word = randomBorder(rng);
@@ -184,16 +191,22 @@ TEST(MorphSweep, Dilate16sC1) { sweep<Lum16s, 1>(true, 250); }
 TEST(MorphSweep, Erode16sC1) { sweep<Lum16s, 1>(false, 250); }
 
 TEST(MorphSweep, WideRectangles8u) {
-    sweep<Lum8u, 1>(true, 150, true);
-    sweep<Lum8u, 3>(false, 60, true);
+    sweep<Lum8u, 1>(true, 150, Masks::WideRects);
+    sweep<Lum8u, 3>(false, 60, Masks::WideRects);
 }
 TEST(MorphSweep, WideRectangles32f) {
-    sweep<Lum32f, 1>(false, 100, true);
-    sweep<Lum32f, 4>(true, 40, true);
+    sweep<Lum32f, 1>(false, 100, Masks::WideRects);
+    sweep<Lum32f, 4>(true, 40, Masks::WideRects);
 }
 TEST(MorphSweep, WideRectangles16bit) {
-    sweep<Lum16u, 1>(true, 80, true);
-    sweep<Lum16s, 1>(false, 80, true);
+    sweep<Lum16u, 1>(true, 80, Masks::WideRects);
+    sweep<Lum16s, 1>(false, 80, Masks::WideRects);
+}
+
+// The dedicated 8u 3x3 rectangle, on rows either side of its vector loop.
+TEST(MorphSweep, Rectangle3x3Of8u) {
+    sweep<Lum8u, 1>(true, 150, Masks::Rect3x3);
+    sweep<Lum8u, 1>(false, 150, Masks::Rect3x3);
 }
 
 // Rows longer than the row pass's temporary: the window doubles chunk by
