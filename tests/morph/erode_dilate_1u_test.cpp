@@ -32,11 +32,12 @@ struct BitBlock {
     int bitOffset = 0;
     int width = 0, height = 0, margin = 0;
 
-    BitBlock(int w, int h, int margin_, int bitOffset_, int byteLead, int slack, Rng& rng)
+    // With no margin, lead, slack or guard, the ROI's last byte is the
+    // block's last, so AddressSanitizer sees any read past it.
+    BitBlock(int w, int h, int margin_, int bitOffset_, int byteLead, int slack, Rng& rng, size_t guard = 16)
         : bitOffset(bitOffset_), width(w), height(h), margin(margin_) {
         // A row reaches from bit bitOffset - margin to bitOffset + w + margin.
         step = byteLead + (bitOffset + w + margin + 7) / 8 + slack;
-        const size_t guard = 16;
         first = guard + static_cast<size_t>(margin) * step + byteLead;
         bytes.resize(first + static_cast<size_t>(h + margin) * step + guard);
         for (uint8_t& b : bytes) b = static_cast<uint8_t>(rng.bits());
@@ -117,7 +118,7 @@ std::vector<uint8_t> reference(const BitBlock& s, const Mask& mask, bool erode, 
 // A spec and a buffer of exactly the queried sizes, the _L spec built as an
 // 8-byte head (offset of a mask record, offset of the plan) with the plan at
 // an odd offset behind a dummy record.
-struct Setup {
+struct SpecAndBuffer {
     int specSize = 0, bufferSize = 0;
     uint8_t* specBlock = nullptr;  // the Border forms' spec: the plan alone
     uint8_t* lBlock = nullptr;     // the _L spec
@@ -125,7 +126,7 @@ struct Setup {
     uint8_t* buffer = nullptr;
     static constexpr int kPlanInL = 8 + 13;
 
-    Setup(LumiSize roi, const Mask& mask, int bufferLead) {
+    SpecAndBuffer(LumiSize roi, const Mask& mask, int bufferLead) {
         const LumiSize ms{mask.w, mask.h};
         EXPECT_EQ(LUMTEST_NOALLOC(lumiMorphologyBorderGetSize_1u_C1R, (roi, ms, &specSize, &bufferSize)), lumStatusOk);
         specBlock = static_cast<uint8_t*>(std::malloc(specSize));
@@ -142,13 +143,13 @@ struct Setup {
         std::memset(bufferBlock, 0x5A, bufferLead + bufferSize);
         buffer = bufferBlock + bufferLead;
     }
-    ~Setup() {
+    ~SpecAndBuffer() {
         std::free(specBlock);
         std::free(lBlock);
         std::free(bufferBlock);
     }
-    Setup(const Setup&) = delete;
-    Setup& operator=(const Setup&) = delete;
+    SpecAndBuffer(const SpecAndBuffer&) = delete;
+    SpecAndBuffer& operator=(const SpecAndBuffer&) = delete;
 };
 
 struct Call {
@@ -158,7 +159,7 @@ struct Call {
     Lum8u value = 0;
 };
 
-LumStatus run(const Call& c, BitBlock& s, BitBlock& d, LumiSize roi, Setup& setup) {
+LumStatus run(const Call& c, BitBlock& s, BitBlock& d, LumiSize roi, SpecAndBuffer& setup) {
     const Lum8u* src = s.ptr();
     if (c.formL) {
         return c.erode ? LUMTEST_NOALLOC(lumiErode_1u_C1R_L, (src, s.step, s.bitOffset, d.ptr(), d.step, d.bitOffset, roi,
@@ -197,14 +198,18 @@ int randomBorder(Rng& rng) {
     return word;
 }
 
-// One random case; returns false after reporting a mismatch.
-bool oneCase(Rng& rng, int w, int h, const Mask& mask, const Call& call) {
-    const int margin = 4;
-    BitBlock s(w, h, margin, rng.uniform(0, 15), rng.uniform(1, 3), rng.uniform(0, 3), rng);
-    BitBlock d(w, h, 0, rng.uniform(0, 15), rng.uniform(0, 2), rng.uniform(0, 3), rng);
+// One random case; returns false after reporting a mismatch. A tight case
+// has source and destination blocks that end with the ROI's last byte and
+// start with its first, and no memory around the source.
+bool oneCase(Rng& rng, int w, int h, const Mask& mask, const Call& call, bool tight = false) {
+    const int margin = tight ? 0 : 4;
+    BitBlock s(w, h, margin, rng.uniform(0, 15), tight ? 0 : rng.uniform(1, 3), tight ? 0 : rng.uniform(0, 3), rng,
+               tight ? 0 : 16);
+    BitBlock d(w, h, 0, rng.uniform(0, 15), tight ? 0 : rng.uniform(0, 2), tight ? 0 : rng.uniform(0, 3), rng,
+               tight ? 0 : 16);
     const std::vector<uint8_t> srcBefore = s.bytes;
     const LumiSize roi{w, h};
-    Setup setup(roi, mask, rng.uniform(0, 31));
+    SpecAndBuffer setup(roi, mask, rng.uniform(0, 31));
     const int folded = ((call.borderType & 3840) >> 4) | (call.borderType & 255);
     const bool fill = (folded & 15) == 5 ? call.erode : call.value != 0;
     const std::vector<uint8_t> want = reference(s, mask, call.erode, call.borderType, fill);
@@ -303,6 +308,94 @@ TEST(ErodeDilate1u, WideMasksAndRows) {
         c.erode = rng.chance(0.5);
         c.borderType = randomBorder(rng);
         if (!oneCase(rng, rng.uniform(500, 1100), rng.uniform(8, 20), mask, c)) return;
+    }
+}
+
+// Blocks that hold exactly the ROI's bytes: nothing outside is read or
+// written, whatever the offsets and sizes.
+TEST(ErodeDilate1u, TightBlocksWithoutMemoryBorders) {
+    LUMTEST_REPLAYABLE();
+    Rng rng;
+    static const int kWords[] = {1, 5, 6};
+    for (int n = 0; n < 400; ++n) {
+        const Mask mask = randomMask(rng.uniform(1, 7), rng.uniform(1, 7), rng);
+        Call c;
+        c.erode = rng.chance(0.5);
+        c.formL = rng.chance(0.5);
+        c.borderType = kWords[rng.uniform(0, 2)];
+        c.value = static_cast<Lum8u>(rng.uniform(0, 2));
+        if (!oneCase(rng, rng.uniform(1, 140), rng.uniform(1, 9), mask, c, true)) return;
+    }
+}
+
+// A mask one pixel wide needs nothing left or right of the ROI, and one a
+// pixel high nothing above or below: with those sides flagged as memory, a
+// tight block is still never read outside.
+TEST(ErodeDilate1u, ThinMasksNeedNoBorderAcross) {
+    LUMTEST_REPLAYABLE();
+    Rng rng;
+    for (int n = 0; n < 100; ++n) {
+        const bool column = rng.chance(0.5);
+        const Mask mask = column ? randomMask(1, rng.uniform(2, 7), rng) : randomMask(rng.uniform(2, 7), 1, rng);
+        Call c;
+        c.erode = rng.chance(0.5);
+        c.formL = rng.chance(0.5);
+        c.borderType = (column ? 64 | 128 : 16 | 32) | (rng.chance(0.5) ? 1 : 6);
+        c.value = 1;
+        if (!oneCase(rng, rng.uniform(1, 100), rng.uniform(1, 9), mask, c, true)) return;
+    }
+}
+
+// A 2 x 2 mask selects the pixel and those right of and below it.
+TEST(ErodeDilate1u, TwoByTwoMaskReachesRightAndDown) {
+    Rng rng(7);
+    BitBlock s(12, 8, 0, 0, 0, 0, rng);
+    BitBlock d(12, 8, 0, 0, 0, 0, rng);
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 12; ++x) s.set(x, y, x == 5 && y == 5);
+    Mask mask;
+    mask.w = mask.h = 2;
+    mask.m.assign(4, 1);
+    SpecAndBuffer setup({12, 8}, mask, 0);
+    ASSERT_EQ(lumiDilateBorder_1u_C1R(s.ptr(), s.step, 0, d.ptr(), d.step, 0, {12, 8}, 6, 0, setup.specBlock,
+                                      setup.buffer),
+              lumStatusOk);
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 12; ++x)
+            EXPECT_EQ(d.get(x, y), (x == 4 || x == 5) && (y == 4 || y == 5)) << x << "," << y;
+}
+
+// Border word 0x101 is replicate with the top read from memory, as 17 is.
+TEST(ErodeDilate1u, SecondStageFlagsFoldIntoTheseSides) {
+    Rng rng(11);
+    Mask mask;
+    mask.w = 3;
+    mask.h = 5;
+    mask.m.assign(15, 1);
+    for (bool erode : {false, true}) {
+        BitBlock s(40, 6, 4, 3, 1, 0, rng);
+        BitBlock d1(40, 6, 0, 0, 0, 0, rng);
+        BitBlock d2(40, 6, 0, 0, 0, 0, rng);
+        BitBlock d3(40, 6, 0, 0, 0, 0, rng);
+        for (int x = -1; x <= 40; ++x) {
+            s.set(x, -2, !erode);
+            s.set(x, -1, !erode);
+            for (int y = 0; y < 6; ++y) s.set(x, y, erode);
+        }
+        SpecAndBuffer setup({40, 6}, mask, 0);
+        auto go = [&](BitBlock& d, int word) {
+            return erode ? lumiErodeBorder_1u_C1R(s.ptr(), s.step, 3, d.ptr(), d.step, 0, {40, 6}, word, 0,
+                                                  setup.specBlock, setup.buffer)
+                         : lumiDilateBorder_1u_C1R(s.ptr(), s.step, 3, d.ptr(), d.step, 0, {40, 6}, word, 0,
+                                                   setup.specBlock, setup.buffer);
+        };
+        ASSERT_EQ(go(d1, 0x101), lumStatusOk);
+        ASSERT_EQ(go(d2, 17), lumStatusOk);
+        ASSERT_EQ(go(d3, 1), lumStatusOk);
+        for (int x = 0; x < 40; ++x) EXPECT_EQ(d1.get(x, 0), d2.get(x, 0));
+        bool differs = false;
+        for (int x = 0; x < 40; ++x) differs |= d1.get(x, 0) != d3.get(x, 0);
+        EXPECT_TRUE(differs);
     }
 }
 
