@@ -18,8 +18,10 @@
 #include <cassert>
 #include <cstddef>
 #include <cstring>
+#include <type_traits>
 
 #include "frame/carve.h"
+#include "frame/simd.h"
 #include "morph/plan_layout_1u.h"
 
 namespace lum::morph {
@@ -99,24 +101,49 @@ private:
     ptrdiff_t n_;
 };
 
+// Byte order of each 64-bit lane reversed: eight bytes of a packed row,
+// loaded as they stand, become a word with the first pixel on top.
+inline __m256i swapLaneBytes(__m256i v) {
+    const __m256i order = _mm256_setr_epi8(7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8,  //
+                                           7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8);
+    return _mm256_shuffle_epi8(v, order);
+}
+
 // Copies n >= 1 bits, from signed bit position srcPos of `row` (read exactly
 // the bytes that hold them), to padded positions [dstPos, dstPos + n).
 void copyBits(u64* words, int dstPos, const uint8_t* row, ptrdiff_t srcPos, int n) {
     const ptrdiff_t byteStart = srcPos >> 3;
     const int lead = static_cast<int>(srcPos & 7);
-    const BitStream stream(row + byteStart, (lead + static_cast<ptrdiff_t>(n) + 7) >> 3);
+    const uint8_t* p = row + byteStart;
+    const ptrdiff_t nbytes = (lead + static_cast<ptrdiff_t>(n) + 7) >> 3;
+    const BitStream stream(p, nbytes);
     const int end = dstPos + n;
     const int k0 = dstPos >> 6;
     const int k1 = (end - 1) >> 6;
-    for (int k = k0; k <= k1; ++k) {
-        const u64 v = stream.at(static_cast<ptrdiff_t>(64) * k - dstPos + lead);
-        if (k != k0 && k != k1) {
-            words[k] = v;
-            continue;
-        }
+    auto streamAt = [&](int k) { return stream.at(static_cast<ptrdiff_t>(64) * k - dstPos + lead); };
+    auto masked = [&](int k) {
         const u64 m = rangeMask(k == k0 ? dstPos & 63 : 0, k == k1 ? end - 64 * k : 64);
-        words[k] = (words[k] & ~m) | (v & m);
+        words[k] = (words[k] & ~m) | (streamAt(k) & m);
+    };
+    masked(k0);
+    if (k1 == k0) return;
+    // Whole words between: word k takes stream bits from t = 64 k - dstPos
+    // + lead on, that is the eight bytes from t / 8 moved up by t % 8 and the
+    // top t % 8 bits of the ninth.
+    int k = k0 + 1;
+    const ptrdiff_t t = static_cast<ptrdiff_t>(64) * k - dstPos + lead;  // > 0
+    const int sh = static_cast<int>(t & 7);
+    ptrdiff_t b = t >> 3;
+    const __m128i up = _mm_cvtsi32_si128(sh);
+    const __m128i down = _mm_cvtsi32_si128(64 - sh);  // a shift by 64 gives 0
+    for (; k + 4 <= k1 && b + 40 <= nbytes; k += 4, b += 32) {
+        const __m256i a = swapLaneBytes(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + b)));
+        const __m256i c = swapLaneBytes(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + b + 8)));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(words + k),
+                            _mm256_or_si256(_mm256_sll_epi64(a, up), _mm256_srl_epi64(c, down)));
     }
+    for (; k < k1; ++k) words[k] = streamAt(k);
+    masked(k1);
 }
 
 // Writes pixels 0..w-1 of a word row (w / 64 + 1 words readable) to bit
@@ -137,39 +164,79 @@ void writeBits(uint8_t* row, int bitOffset, const u64* words, int w) {
     const int fullTo = ((o + w) & 7) == 0 ? nbytes : nbytes - 1;
     const int cFrom = (fullFrom + 7) >> 3;
     const int cTo = fullTo >> 3;
-    for (int c = cFrom; c < cTo; ++c) storeBigEndian64(base + 8 * c, chunk(c));
+    int c = cFrom;
+    if (c == 0 && c < cTo) storeBigEndian64(base, chunk(c++));
+    const __m128i down = _mm_cvtsi32_si128(o);
+    const __m128i up = _mm_cvtsi32_si128(64 - o);  // a shift by 64 gives 0
+    for (; c + 4 <= cTo; c += 4) {
+        const __m256i cur = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(words + c));
+        const __m256i prev = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(words + c - 1));
+        const __m256i v = _mm256_or_si256(_mm256_srl_epi64(cur, down), _mm256_sll_epi64(prev, up));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(base + 8 * c), swapLaneBytes(v));
+    }
+    for (; c < cTo; ++c) storeBigEndian64(base + 8 * c, chunk(c));
     const int coveredFrom = 8 * cFrom;
     const int coveredTo = cFrom < cTo ? 8 * cTo : coveredFrom;
-    for (int i = 0; i < nbytes; ++i) {
-        if (i >= coveredFrom && i < coveredTo) continue;
+    auto oneByte = [&](int i) {
         uint8_t keep = 0;
         if (i == 0) keep |= static_cast<uint8_t>(0xFF00 >> o);  // bits in front of the ROI
         if (i == nbytes - 1 && ((o + w) & 7) != 0) keep |= static_cast<uint8_t>(0xFF >> ((o + w) & 7));
         const uint8_t v = static_cast<uint8_t>(chunk(i >> 3) >> (56 - 8 * (i & 7)));
         base[i] = static_cast<uint8_t>((base[i] & keep) | (v & ~keep));
-    }
+    };
+    for (int i = 0; i < coveredFrom && i < nbytes; ++i) oneByte(i);
+    for (int i = coveredTo > coveredFrom ? coveredTo : coveredFrom; i < nbytes; ++i) oneByte(i);
 }
 
-// Combines the row read j pixels further on into n accumulator words.
+// A selected element as the kernel reads it: a widened row advanced by the
+// whole words of the element's column, and the remaining shift in bits.
+struct Tap {
+    const u64* row;
+    int shift;
+    __m128i up, down;  // shift and 64 - shift as vector shift counts
+};
+constexpr int kTapGroup = 16;
+
+// acc = (first ? identity : acc) OP the rows of n taps, over `words` words.
+// Unshifted: every tap's shift is 0 (the rows of a rectangle, reduced
+// across already).
+template <MorphOp Op, bool Unshifted>
+void combineTaps(u64* acc, const Tap* taps, int n, int words, bool first) {
+    const u64 identity = Op == MorphOp::Dilate ? 0 : kOnes;
+    // One block of four words, or of the last one to three through a lane
+    // mask (loads and stores of the lanes that are off touch nothing). A
+    // shifted tap reads one word further, which the widened row holds.
+    auto block = [&](int k, auto masked, __m256i lanes) {
+        auto load = [&](const u64* p) {
+            if constexpr (decltype(masked)::value)
+                return _mm256_maskload_epi64(reinterpret_cast<const long long*>(p), lanes);
+            else
+                return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+        };
+        __m256i v = first ? _mm256_set1_epi64x(static_cast<long long>(identity)) : load(acc + k);
+        for (int t = 0; t < n; ++t) {
+            const u64* a = taps[t].row + k;
+            __m256i w = load(a);
+            if constexpr (!Unshifted)
+                w = _mm256_or_si256(_mm256_sll_epi64(w, taps[t].up), _mm256_srl_epi64(load(a + 1), taps[t].down));
+            v = Op == MorphOp::Dilate ? _mm256_or_si256(v, w) : _mm256_and_si256(v, w);
+        }
+        if constexpr (decltype(masked)::value)
+            _mm256_maskstore_epi64(reinterpret_cast<long long*>(acc + k), lanes, v);
+        else
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(acc + k), v);
+    };
+    int k = 0;
+    for (; k + 4 <= words; k += 4) block(k, std::false_type{}, __m256i{});
+    if (k < words) block(k, std::true_type{}, simd::firstLanes(2 * (words - k)));
+}
+
+// Combines the row read j pixels further on into n words of acc, which may
+// be the row itself when j >= 1: every block reads ahead of what it writes.
 template <MorphOp Op>
 void combineShifted(u64* acc, const u64* row, int j, int n) {
-    const u64* a = row + (j >> 6);
-    const int r = j & 63;
-    const __m128i left = _mm_cvtsi32_si128(r);
-    const __m128i right = _mm_cvtsi32_si128(64 - r);  // a shift by 64 gives 0
-    int k = 0;
-    for (; k + 4 <= n; k += 4) {
-        const __m256i lo = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(a + k));
-        const __m256i hi = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(a + k + 1));
-        const __m256i v = _mm256_or_si256(_mm256_sll_epi64(lo, left), _mm256_srl_epi64(hi, right));
-        __m256i* d = reinterpret_cast<__m256i*>(acc + k);
-        const __m256i c = _mm256_loadu_si256(d);
-        _mm256_storeu_si256(d, Op == MorphOp::Dilate ? _mm256_or_si256(c, v) : _mm256_and_si256(c, v));
-    }
-    for (; k < n; ++k) {
-        const u64 v = r == 0 ? a[k] : (a[k] << r) | (a[k + 1] >> (64 - r));
-        acc[k] = Op == MorphOp::Dilate ? acc[k] | v : acc[k] & v;
-    }
+    const Tap tap{row + (j >> 6), j & 63, _mm_cvtsi32_si128(j & 63), _mm_cvtsi32_si128(64 - (j & 63))};
+    combineTaps<Op, false>(acc, &tap, 1, n, false);
 }
 
 // In place: row[p] = OP of row[p .. p + len - 1] (len >= 1), by doubling,
@@ -238,23 +305,43 @@ void morphRows(const Bits1u& img, const Geometry& g, int word, bool fill, const 
         if (rectangle) reduceRun<Op>(s, g.mw, g.rowWords);
     };
     for (int r = -g.ay; r < -g.ay + g.mh - 1; ++r) widen(r);
-    const u64 start = Op == MorphOp::Dilate ? 0 : kOnes;
+    // Taps are gathered in groups, so that the accumulator is loaded and
+    // stored once a group and not once a selected element.
+    Tap taps[kTapGroup];
     for (int y = 0; y < g.h; ++y) {
         widen(y + g.be);
-        for (int k = 0; k < g.outWords; ++k) acc[k] = start;
+        int n = 0;
+        bool first = true;
+        auto add = [&](const u64* row, int j) {
+            taps[n++] = Tap{row + (j >> 6), j & 63, _mm_cvtsi32_si128(j & 63), _mm_cvtsi32_si128(64 - (j & 63))};
+            if (n == kTapGroup) {
+                if (rectangle)
+                    combineTaps<Op, true>(acc, taps, n, g.outWords, first);
+                else
+                    combineTaps<Op, false>(acc, taps, n, g.outWords, first);
+                first = false;
+                n = 0;
+            }
+        };
         for (int i = 0; i < g.mh; ++i) {
             const u64* src = slot(y - g.ay + i);
             if (rectangle) {
-                combineShifted<Op>(acc, src, 0, g.outWords);
+                add(src, 0);
                 continue;
             }
             const int count = plan1u::load32(plan, rows + 8 * i);
-            const int first = plan1u::load32(plan, rows + 8 * i + 4);
-            for (int n = 0; n < count; ++n) {
-                const int j0 = plan1u::load32(plan, runs + 8 * (first + n));
-                const int len = plan1u::load32(plan, runs + 8 * (first + n) + 4);
-                for (int j = j0; j < j0 + len; ++j) combineShifted<Op>(acc, src, j, g.outWords);
+            const int firstRun = plan1u::load32(plan, rows + 8 * i + 4);
+            for (int r = 0; r < count; ++r) {
+                const int j0 = plan1u::load32(plan, runs + 8 * (firstRun + r));
+                const int len = plan1u::load32(plan, runs + 8 * (firstRun + r) + 4);
+                for (int j = j0; j < j0 + len; ++j) add(src, j);
             }
+        }
+        if (n > 0 || first) {
+            if (rectangle)
+                combineTaps<Op, true>(acc, taps, n, g.outWords, first);
+            else
+                combineTaps<Op, false>(acc, taps, n, g.outWords, first);
         }
         writeBits(img.dst + static_cast<ptrdiff_t>(y) * img.dstStep, img.dstBitOffset, acc, g.w);
     }
