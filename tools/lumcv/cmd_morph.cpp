@@ -152,6 +152,49 @@ bool morphImage(const Image& in, Image& out, const MorphOptions& o) {
     return false;
 }
 
+// Binary images: the gray image thresholded (above `threshold` is set) into
+// packed rows whose first pixel sits at bit 3 of the first byte, the most
+// significant bit first, filtered there and unpacked to 0 and 255.
+bool morphBinary(const Image& in, int threshold, Image& out, const MorphOptions& o) {
+    const Image g = toSample(in.channels >= 3 ? toGray(in) : in, Sample::U8);
+    const int w = g.width, h = g.height;
+    constexpr int kBitOffset = 3;
+    const int step = (kBitOffset + w + 7) / 8;
+    std::vector<Lum8u> src(static_cast<size_t>(step) * h, 0), dst(src.size(), 0);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            if (g.bytes[static_cast<size_t>(y) * w + x] > threshold) {
+                const int b = kBitOffset + x;
+                src[static_cast<size_t>(y) * step + b / 8] |= static_cast<Lum8u>(0x80 >> (b % 8));
+            }
+    const LumiSize roi{w, h};
+    const LumiSize maskSize{o.mask.width, o.mask.height};
+    int specSize = 0, bufferSize = 0;
+    if (!checkStatus(lumiMorphologyBorderGetSize_1u_C1R(roi, maskSize, &specSize, &bufferSize), "morphology sizes"))
+        return false;
+    std::vector<Lum8u> spec(specSize), buffer(bufferSize);
+    if (!checkStatus(lumiMorphologyBorderInit_1u_C1R(roi, o.mask.bytes.data(), maskSize, spec.data(), buffer.data()),
+                     "morphology mask"))
+        return false;
+    const Lum8u value = o.value != 0.0f ? 1 : 0;
+    for (int i = 0; i < o.iterations; ++i) {
+        if (i > 0) std::swap(src, dst);
+        const auto fn = o.erode ? lumiErodeBorder_1u_C1R : lumiDilateBorder_1u_C1R;
+        if (!checkStatus(fn(src.data(), step, kBitOffset, dst.data(), step, kBitOffset, roi, o.border, value,
+                            spec.data(), buffer.data()),
+                         o.erode ? "binary erosion" : "binary dilation"))
+            return false;
+    }
+    out = Image::make(w, h, 1, Sample::U8);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            const int b = kBitOffset + x;
+            const bool set = (dst[static_cast<size_t>(y) * step + b / 8] >> (7 - b % 8)) & 1;
+            out.bytes[static_cast<size_t>(y) * w + x] = set ? 255 : 0;
+        }
+    return true;
+}
+
 bool parseBorder(const std::string& s, MorphOptions& o) {
     if (s == "replicate") {
         o.border = lumBorderReplicate;
@@ -189,7 +232,7 @@ bool parseSize(const std::string& s, int& w, int& h) {
 
 constexpr const char* kArgs =
     "IMAGE OUT [--shape rect|cross|diamond|ellipse] [--size WxH] [--mask MASK] "
-    "[--border replicate|mirror|neutral|constant[:V]] [--iterations N]";
+    "[--border replicate|mirror|neutral|constant[:V]] [--iterations N] [--binary T]";
 
 int runMorph(const Args& args, bool erode) {
     const std::string usage = std::string("usage: lumcv ") + (erode ? "erode " : "dilate ") + kArgs;
@@ -198,6 +241,7 @@ int runMorph(const Args& args, bool erode) {
     o.erode = erode;
     std::string shape = "rect", maskPath;
     int w = 3, h = 3;
+    int threshold = -1;  // below 0: not binary
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
         const bool hasValue = i + 1 < args.size();
@@ -213,6 +257,9 @@ int runMorph(const Args& args, bool erode) {
             if (!hasValue || !parseBorder(args[++i], o)) return usageError(usage);
         } else if (a == "--iterations") {
             if (!hasValue || !parseInt(args[++i], o.iterations) || o.iterations < 1) return usageError(usage);
+        } else if (a == "--binary") {
+            if (!hasValue || !parseInt(args[++i], threshold) || threshold < 0 || threshold > 254)
+                return usageError(usage + "\n(--binary takes a threshold from 0 to 254)");
         } else if (a.rfind("--", 0) == 0) {
             std::fprintf(stderr, "lumcv: unknown option '%s'\n", a.c_str());
             return usageError(usage);
@@ -228,6 +275,15 @@ int runMorph(const Args& args, bool erode) {
         std::fprintf(stderr, "lumcv: cannot read '%s': %s\n", files[0].c_str(), err.c_str());
         return kExitIo;
     }
+    Image out;
+    if (threshold >= 0) {
+        if (!morphBinary(in, threshold, out, o)) return kExitLibrary;
+        if (!writeImage(files[1], out, err)) {
+            std::fprintf(stderr, "lumcv: cannot write '%s': %s\n", files[1].c_str(), err.c_str());
+            return kExitIo;
+        }
+        return 0;
+    }
     if (in.sample == Sample::U16 && in.channels != 1) in = toGray(in);
     if (in.sample == Sample::F32 && in.channels == 4) {
         std::fprintf(stderr, "lumcv: '%s': float images with four channels are not supported\n", files[0].c_str());
@@ -237,7 +293,6 @@ int runMorph(const Args& args, bool erode) {
         std::fprintf(stderr, "lumcv: '%s' has two channels; only 1, 3 or 4 are filtered\n", files[0].c_str());
         return kExitIo;
     }
-    Image out;
     if (!morphImage(in, out, o)) return kExitLibrary;
     if (!writeImage(files[1], out, err)) {
         std::fprintf(stderr, "lumcv: cannot write '%s': %s\n", files[1].c_str(), err.c_str());
@@ -272,13 +327,24 @@ bool morphStep(DemoContext& ctx) {
     if (!morphImage(ctx.color0, colorEroded, ellipse)) return false;
     ellipse.erode = false;
     if (!morphImage(colorEroded, opened, ellipse)) return false;
+    // The moving pixels as a packed binary image, opened by a 3x3 plus to
+    // drop isolated noise.
+    Image diff, motion, cleaned;
+    if (!absDiffImages(ctx.gray0, ctx.gray1, Sample::U8, diff)) return false;
+    MorphOptions plus;
+    if (!makeMask("cross", 3, 3, plus.mask)) return false;
+    plus.border = lumBorderNeutral;
+    if (!morphBinary(diff, 24, motion, plus)) return false;
+    plus.erode = false;
+    if (!morphBinary(motion, 127, cleaned, plus)) return false;
     return saveDemoImage(ctx, "erode_gray_diamond5.png", eroded) &&
+           saveDemoImage(ctx, "motion_opened_binary.png", cleaned) &&
            saveDemoImage(ctx, "dilate_gray_diamond5.png", dilated) &&
            saveDemoImage(ctx, "morph_gradient_gray.png", gradient) &&
            saveDemoImage(ctx, "open_color_ellipse7.png", opened);
 }
 
-const bool stepRegistered = registerDemoStep({400, "erosion and dilation by a diamond and an ellipse", morphStep});
+const bool stepRegistered = registerDemoStep({400, "erosion and dilation by a diamond and an ellipse; a packed binary motion mask opened", morphStep});
 
 }  // namespace
 }  // namespace tool
