@@ -164,6 +164,27 @@ LUM_EXPORT(LumStatus, lumiDilateBorder_16s_C1R, dilateBorder_16s_C1R,
 LUM_EXPORT(LumStatus, lumiDilateBorder_16u_C1R, dilateBorder_16u_C1R,
            (const Lum16u* src, int srcStep, Lum16u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+
+/*
+ * Packed one-bit erosion and dilation. Pixel x of a row lies at bit
+ * bitOffset + x from the row's first byte, the most significant bit of a
+ * byte first (bit offset 0 is the 0x80 bit). With ax = (mw - 1) / 2 and
+ * ay = (mh - 1) / 2:
+ *   dst(x, y) = OR (dilate) / AND (erode) of src(x - ax + j, y - ay + i)
+ *               over the selected mask elements (i, j).
+ * A 1 by 1 or an all-zero mask copies the ROI. Outside pixels: 1 repeats the
+ * nearest pixel, 6 takes borderValue (nonzero is a set bit), 5 is 0 for
+ * dilation and 1 for erosion, flags 16..128 (and 256..2048, folded) read real
+ * pixels around the ROI; 3 is refused. Bits outside the ROI in the first and
+ * last byte of a destination row are kept. Checks: null src, dst, spec,
+ * buffer; row bytes (width + 7) / 8 against the steps; negative bit offsets
+ * or sizes below 1; border word; src == dst; code 6 with a null borderValue
+ * (_L only). Spec: the plan of lumiMorphologyBorderInit_1u_C1R (Border
+ * forms), the spec of lumiErodeInit_L (_L forms). Buffer: the plan size.
+ */
+LUM_EXPORT(LumStatus, lumiDilateBorder_1u_C1R, dilateBorder_1u_C1R,
+           (const Lum8u* src, int srcStep, int srcBitOffset, Lum8u* dst, int dstStep, int dstBitOffset, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, borderValue, spec, buffer))
 LUM_EXPORT(LumStatus, lumiDilateBorder_32f_C1R, dilateBorder_32f_C1R,
            (const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
@@ -197,6 +218,9 @@ LUM_EXPORT(LumStatus, lumiDilate_16s_C1R_L, dilate_16s_C1R_L,
 LUM_EXPORT(LumStatus, lumiDilate_16u_C1R_L, dilate_16u_C1R_L,
            (const Lum16u* src, LumSizeL srcStep, Lum16u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum16u* borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilate_1u_C1R_L, dilate_1u_C1R_L,
+           (const Lum8u* src, LumSizeL srcStep, int srcBitOffset, Lum8u* dst, LumSizeL dstStep, int dstBitOffset, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, borderValue, spec, buffer))
 LUM_EXPORT(LumStatus, lumiDilate_32f_C1R_L, dilate_32f_C1R_L,
            (const Lum32f* src, LumSizeL srcStep, Lum32f* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
@@ -221,6 +245,9 @@ LUM_EXPORT(LumStatus, lumiErodeBorder_16s_C1R, erodeBorder_16s_C1R,
 LUM_EXPORT(LumStatus, lumiErodeBorder_16u_C1R, erodeBorder_16u_C1R,
            (const Lum16u* src, int srcStep, Lum16u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeBorder_1u_C1R, erodeBorder_1u_C1R,
+           (const Lum8u* src, int srcStep, int srcBitOffset, Lum8u* dst, int dstStep, int dstBitOffset, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, borderValue, spec, buffer))
 LUM_EXPORT(LumStatus, lumiErodeBorder_32f_C1R, erodeBorder_32f_C1R,
            (const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
@@ -254,6 +281,9 @@ LUM_EXPORT(LumStatus, lumiErode_16s_C1R_L, erode_16s_C1R_L,
 LUM_EXPORT(LumStatus, lumiErode_16u_C1R_L, erode_16u_C1R_L,
            (const Lum16u* src, LumSizeL srcStep, Lum16u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum16u* borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErode_1u_C1R_L, erode_1u_C1R_L,
+           (const Lum8u* src, LumSizeL srcStep, int srcBitOffset, Lum8u* dst, LumSizeL dstStep, int dstBitOffset, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, borderValue, spec, buffer))
 LUM_EXPORT(LumStatus, lumiErode_32f_C1R_L, erode_32f_C1R_L,
            (const Lum32f* src, LumSizeL srcStep, Lum32f* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
@@ -720,6 +750,16 @@ LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_16s_C1R, morphologyBorderGetSi
 LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_16u_C1R, morphologyBorderGetSize_16u_C1R,
            (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
            (roiSize, maskSize, specSize, bufferSize))
+
+/*
+ * Packed one-bit morphology state: specSize and bufferSize are both
+ * P = max(plan bytes, (((mw + w) * 8 + 30) & ~31) * mh + 16). Init writes
+ * the plan for the ROI and mask (nonzero bytes selected) to spec; buffer is
+ * checked and not used. Null pointers, then sizes below 1.
+ */
+LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_1u_C1R, morphologyBorderGetSize_1u_C1R,
+           (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
+           (roiSize, maskSize, specSize, bufferSize))
 LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_32f_C1R, morphologyBorderGetSize_32f_C1R,
            (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
            (roiSize, maskSize, specSize, bufferSize))
@@ -742,6 +782,9 @@ LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_16s_C1R, morphologyBorderInit,
            (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
            (roiSize, mask, maskSize, spec, buffer))
 LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_16u_C1R, morphologyBorderInit,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
+           (roiSize, mask, maskSize, spec, buffer))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_1u_C1R, morphologyBorderInit_1u_C1R,
            (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
            (roiSize, mask, maskSize, spec, buffer))
 LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_32f_C1R, morphologyBorderInit,

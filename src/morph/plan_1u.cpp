@@ -1,4 +1,4 @@
-// The plan of packed one-bit morphology. Layout in plan_1u_layout.h.
+// The plan of packed one-bit morphology. Layout in plan_layout_1u.h.
 
 #include "morph/plan_1u.h"
 
@@ -6,7 +6,7 @@
 
 #include "frame/carve.h"
 #include "frame/check.h"
-#include "morph/plan_1u_layout.h"
+#include "morph/plan_layout_1u.h"
 
 namespace lum::morph {
 
