@@ -22,6 +22,7 @@
 
 #include "frame/carve.h"
 #include "frame/simd.h"
+#include "morph/plan_1u.h"
 #include "morph/plan_layout_1u.h"
 
 namespace lum::morph {
@@ -239,21 +240,6 @@ void combineShifted(u64* acc, const u64* row, int j, int n) {
     combineTaps<Op, false>(acc, &tap, 1, n, false);
 }
 
-// In place: row[p] = OP of row[p .. p + len - 1] (len >= 1), by doubling,
-// over a widened row of `words` words. A step that shifts by j reads up to
-// word k + j / 64 + 1, so it updates only words - 1 - j / 64 words; what it
-// leaves stale lies behind every position that the later steps and the
-// output read.
-template <MorphOp Op>
-void reduceRun(u64* row, int len, int words) {
-    int span = 1;
-    while (2 * span <= len) {
-        combineShifted<Op>(row, row, span, words - 1 - (span >> 6));  // reads lie ahead of writes
-        span *= 2;
-    }
-    if (span < len) combineShifted<Op>(row, row, len - span, words - 1 - ((len - span) >> 6));
-}
-
 // Geometry of one call.
 struct Geometry {
     int w, h;
@@ -290,61 +276,186 @@ void widenRow(u64* out, const Geometry& g, const Bits1u& img, int r, int word, b
     copyBits(out, xlo + g.ax, row, off + xlo, xhi - xlo);
 }
 
+// The mask's runs as the kernel walks them: per mask row, its runs as
+// (first column, length) from the plan.
+class MaskRuns {
+public:
+    explicit MaskRuns(const uint8_t* plan)
+        : plan_(plan), rows_(plan1u::field(plan, plan1u::kMaskRows)), runs_(plan1u::field(plan, plan1u::kMaskRuns)) {}
+
+    // Calls f(first column, length) for every run of mask row i.
+    template <class F>
+    void forRow(int i, F&& f) const {
+        const int count = plan1u::load32(plan_, rows_ + 8 * i);
+        const int first = plan1u::load32(plan_, rows_ + 8 * i + 4);
+        for (int r = 0; r < count; ++r)
+            f(plan1u::load32(plan_, runs_ + 8 * (first + r)), plan1u::load32(plan_, runs_ + 8 * (first + r) + 4));
+    }
+
+private:
+    const uint8_t* plan_;
+    int rows_, runs_;
+};
+
+// Gathers taps in groups, so that the accumulator is loaded and stored once
+// a group and not once a tap.
+template <MorphOp Op, bool Unshifted>
+class TapGroups {
+public:
+    TapGroups(u64* acc, int words) : acc_(acc), words_(words) {}
+    void add(const u64* row, int j) {
+        taps_[n_++] = Tap{row + (j >> 6), j & 63, _mm_cvtsi32_si128(j & 63), _mm_cvtsi32_si128(64 - (j & 63))};
+        if (n_ == kTapGroup) flush();
+    }
+    void finish() {
+        if (n_ > 0 || first_) flush();
+        first_ = true;
+    }
+
+private:
+    void flush() {
+        combineTaps<Op, Unshifted>(acc_, taps_, n_, words_, first_);
+        first_ = false;
+        n_ = 0;
+    }
+    u64* acc_;
+    int words_;
+    Tap taps_[kTapGroup];
+    int n_ = 0;
+    bool first_ = true;
+};
+
+// Every selected element a tap on the widened rows: a ring of mh rows.
 template <MorphOp Op>
-void morphRows(const Bits1u& img, const Geometry& g, int word, bool fill, const uint8_t* plan, bool rectangle,
-               uint8_t* buffer) {
+void morphByElements(const Bits1u& img, const Geometry& g, int word, bool fill, const MaskRuns& runs,
+                     uint8_t* buffer) {
     u64* ring = alignUp<u64>(buffer, 8);
     u64* acc = ring + static_cast<ptrdiff_t>(g.mh) * g.rowWords;
     acc[g.outWords] = 0;
-    const int rows = plan1u::field(plan, plan1u::kMaskRows);
-    const int runs = plan1u::field(plan, plan1u::kMaskRuns);
     auto slot = [&](int r) { return ring + static_cast<ptrdiff_t>((r + g.ay) % g.mh) * g.rowWords; };
-    auto widen = [&](int r) {
-        u64* s = slot(r);
-        widenRow(s, g, img, r, word, fill);
-        if (rectangle) reduceRun<Op>(s, g.mw, g.rowWords);
-    };
-    for (int r = -g.ay; r < -g.ay + g.mh - 1; ++r) widen(r);
-    // Taps are gathered in groups, so that the accumulator is loaded and
-    // stored once a group and not once a selected element.
-    Tap taps[kTapGroup];
+    for (int r = -g.ay; r < -g.ay + g.mh - 1; ++r) widenRow(slot(r), g, img, r, word, fill);
+    TapGroups<Op, false> taps(acc, g.outWords);
     for (int y = 0; y < g.h; ++y) {
-        widen(y + g.be);
-        int n = 0;
-        bool first = true;
-        auto add = [&](const u64* row, int j) {
-            taps[n++] = Tap{row + (j >> 6), j & 63, _mm_cvtsi32_si128(j & 63), _mm_cvtsi32_si128(64 - (j & 63))};
-            if (n == kTapGroup) {
-                if (rectangle)
-                    combineTaps<Op, true>(acc, taps, n, g.outWords, first);
-                else
-                    combineTaps<Op, false>(acc, taps, n, g.outWords, first);
-                first = false;
-                n = 0;
-            }
-        };
+        widenRow(slot(y + g.be), g, img, y + g.be, word, fill);
         for (int i = 0; i < g.mh; ++i) {
             const u64* src = slot(y - g.ay + i);
-            if (rectangle) {
-                add(src, 0);
-                continue;
-            }
-            const int count = plan1u::load32(plan, rows + 8 * i);
-            const int firstRun = plan1u::load32(plan, rows + 8 * i + 4);
-            for (int r = 0; r < count; ++r) {
-                const int j0 = plan1u::load32(plan, runs + 8 * (firstRun + r));
-                const int len = plan1u::load32(plan, runs + 8 * (firstRun + r) + 4);
-                for (int j = j0; j < j0 + len; ++j) add(src, j);
-            }
+            runs.forRow(i, [&](int j0, int len) {
+                for (int j = j0; j < j0 + len; ++j) taps.add(src, j);
+            });
         }
-        if (n > 0 || first) {
-            if (rectangle)
-                combineTaps<Op, true>(acc, taps, n, g.outWords, first);
-            else
-                combineTaps<Op, false>(acc, taps, n, g.outWords, first);
-        }
+        taps.finish();
         writeBits(img.dst + static_cast<ptrdiff_t>(y) * img.dstStep, img.dstBitOffset, acc, g.w);
     }
+}
+
+// Run lengths of the mask, distinct and ascending, when few enough.
+struct RunLengths {
+    static constexpr int kMax = 16;
+    int length[kMax];
+    int count = 0;
+    bool fits = true;
+    bool allStartAtZero = true;
+    int runs = 0;      // runs of the mask
+    int selected = 0;  // selected elements
+
+    RunLengths(const MaskRuns& mask, int mh) {
+        for (int i = 0; i < mh; ++i)
+            mask.forRow(i, [&](int j0, int len) {
+                allStartAtZero = allStartAtZero && j0 == 0;
+                ++runs;
+                selected += len;
+                int at = 0;
+                while (at < count && length[at] < len) ++at;
+                if (at < count && length[at] == len) return;
+                if (count == kMax) {
+                    fits = false;
+                    return;
+                }
+                for (int k = count; k > at; --k) length[k] = length[k - 1];
+                length[at] = len;
+                ++count;
+            });
+    }
+    // Passes over a widened row that the run form makes: the doubling steps
+    // up to the longest length, and one a length.
+    int passes() const {
+        int steps = 0;
+        while (count > 0 && (2 << steps) <= length[count - 1]) ++steps;
+        return steps + count;
+    }
+    int indexOf(int len) const {
+        int at = 0;
+        while (length[at] != len) ++at;
+        return at;
+    }
+};
+
+// Every run a tap: each widened row is reduced once over each run length of
+// the mask (by doubling in a spare row), and a run then reads the reduction
+// of its length at its first column. `lengths` holds the mask's lengths.
+template <MorphOp Op, bool Unshifted>
+void morphByRuns(const Bits1u& img, const Geometry& g, int word, bool fill, const MaskRuns& runs,
+                 const RunLengths& lengths, uint8_t* buffer) {
+    const int D = lengths.count;
+    const ptrdiff_t rowStride = g.rowWords;
+    u64* ring = alignUp<u64>(buffer, 8);                       // mh slots of D reduced rows
+    u64* spare = ring + static_cast<ptrdiff_t>(g.mh) * D * rowStride;  // the widened row, doubled in place
+    u64* acc = spare + rowStride;
+    acc[g.outWords] = 0;
+    auto reduced = [&](int r, int index) {
+        return ring + (static_cast<ptrdiff_t>((r + g.ay) % g.mh) * D + index) * rowStride;
+    };
+    auto widen = [&](int r) {
+        widenRow(spare, g, img, r, word, fill);
+        int span = 1;
+        for (int d = 0; d < D; ++d) {
+            const int len = lengths.length[d];
+            // After a step that shifts by s, position p holds the OP over
+            // [p, p + 2s); such a step reads up to word k + s / 64 + 1 and so
+            // updates words - 1 - s / 64 words, all that later steps read.
+            while (2 * span <= len) {
+                combineShifted<Op>(spare, spare, span, g.rowWords - 1 - (span >> 6));
+                span *= 2;
+            }
+            u64* out = reduced(r, d);
+            const int rest = len - span;
+            const Tap taps[2] = {{spare, 0, _mm_cvtsi32_si128(0), _mm_cvtsi32_si128(64)},
+                                 {spare + (rest >> 6), rest & 63, _mm_cvtsi32_si128(rest & 63),
+                                  _mm_cvtsi32_si128(64 - (rest & 63))}};
+            combineTaps<Op, false>(out, taps, rest > 0 ? 2 : 1, g.rowWords - 1 - (rest >> 6), true);
+        }
+    };
+    for (int r = -g.ay; r < -g.ay + g.mh - 1; ++r) widen(r);
+    TapGroups<Op, Unshifted> taps(acc, g.outWords);
+    for (int y = 0; y < g.h; ++y) {
+        widen(y + g.be);
+        for (int i = 0; i < g.mh; ++i) {
+            const int r = y - g.ay + i;
+            runs.forRow(i, [&](int j0, int len) { taps.add(reduced(r, lengths.indexOf(len)), j0); });
+        }
+        taps.finish();
+        writeBits(img.dst + static_cast<ptrdiff_t>(y) * img.dstStep, img.dstBitOffset, acc, g.w);
+    }
+}
+
+template <MorphOp Op>
+void morphRows(const Bits1u& img, const Geometry& g, int word, bool fill, const uint8_t* plan, LumiSize roi,
+               uint8_t* buffer) {
+    const MaskRuns runs(plan);
+    const RunLengths lengths(runs, g.mh);
+    // The run form needs mh * D + 1 rows and the accumulator within the
+    // buffer that the size query reports, and pays only where its passes over
+    // each widened row (each worth about two and a half taps, as measured)
+    // save more taps than they cost; else every element is a tap.
+    const int64_t need = 7 + 8 * ((static_cast<int64_t>(g.mh) * lengths.count + 1) * g.rowWords + g.outWords + 1);
+    const bool byRuns = lengths.fits && need <= plan1uSize(roi, LumiSize{g.mw, g.mh}) &&
+                        2 * lengths.runs + 5 * lengths.passes() < 2 * lengths.selected;
+    if (!byRuns)
+        morphByElements<Op>(img, g, word, fill, runs, buffer);
+    else if (lengths.allStartAtZero)
+        morphByRuns<Op, true>(img, g, word, fill, runs, lengths, buffer);
+    else
+        morphByRuns<Op, false>(img, g, word, fill, runs, lengths, buffer);
 }
 
 }  // namespace
@@ -372,11 +483,10 @@ void morph_1u(MorphOp op, const Bits1u& img, LumiSize roi, int word, bool fill, 
     g.be = plan1u::field(plan, plan1u::kExtentBottom);
     g.rowWords = (g.w + g.mw - 1 + 63) / 64 + 1;
     g.outWords = (g.w + 63) / 64;
-    const bool rectangle = plan1u::field(plan, plan1u::kMode) == plan1u::kModeRectangle;
     if (op == MorphOp::Dilate)
-        morphRows<MorphOp::Dilate>(img, g, word, fill, plan, rectangle, buffer);
+        morphRows<MorphOp::Dilate>(img, g, word, fill, plan, roi, buffer);
     else
-        morphRows<MorphOp::Erode>(img, g, word, fill, plan, rectangle, buffer);
+        morphRows<MorphOp::Erode>(img, g, word, fill, plan, roi, buffer);
 }
 
 }  // namespace lum::morph

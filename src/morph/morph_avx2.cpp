@@ -3,6 +3,7 @@
 // running the same kernel over small bordered copies of the image's edges
 // while the interior is read where it stands.
 #include <algorithm>
+#include <climits>
 #include <cstring>
 
 #include "frame/border.h"
@@ -53,7 +54,7 @@ Kernel pickKernel(const MaskView& m) {
     if (cls & kFullRect) {
         if constexpr (std::is_same_v<T, uint8_t> && C == 1)
             if (m.W() == 3 && m.H() == 3) return rect3x3_8u<Max>;
-        return rectKernel<T, C, Max>;
+        return m.W() <= 7 ? rectSmallKernel<T, C, Max> : rectKernel<T, C, Max>;
     }
     if ((cls & kShapeRound7) == kShapeRound7) return shapeKernel<Round7, T, C, Max>;
     if ((cls & kShapeDiamond5) == kShapeDiamond5) return shapeKernel<Diamond5, T, C, Max>;
@@ -86,6 +87,31 @@ void copyBordered(const T* src, int srcStep, int w, int h, int x0, int y0, int b
         for (int k = 0; k < count; ++k)
             for (int c = 0; c < C; ++c) o[k * C + c] = value[c];
     };
+    // Inside columns [in0, in1) in copy coordinates; the others are mapped
+    // once for all rows: a source column, or kValue for the value.
+    constexpr int kValue = INT_MIN;
+    const int in0 = std::max(xa, std::min(xb, -x0)), in1 = std::max(in0, std::min(xb, w - x0));
+    constexpr int kMapped = 256;
+    int leftMap[kMapped], rightMap[kMapped];
+    auto mapColumn = [&](int j) {
+        const int x = x0 + j;
+        const bool mem = x < 0 ? leftMem : rightMem;
+        if (!mem && code == border::kConstant) return kValue;
+        return mem ? x : sourceIndex(x, w, code, leftMem, rightMem);
+    };
+    const bool mapped = in0 - xa <= kMapped && xb - in1 <= kMapped;
+    if (mapped) {
+        for (int j = xa; j < in0; ++j) leftMap[j - xa] = mapColumn(j);
+        for (int j = in1; j < xb; ++j) rightMap[j - in1] = mapColumn(j);
+    }
+    auto outside = [&](T* o, const T* s, int j, int column) {
+        if (column == kValue) {
+            fill(o + j * C, 1);
+        } else {
+            const T* p = s + static_cast<ptrdiff_t>(column) * C;
+            for (int c = 0; c < C; ++c) o[j * C + c] = p[c];
+        }
+    };
     for (int i = skip.top; i < bh - skip.bottom; ++i) {
         T* o = out + static_cast<ptrdiff_t>(i) * bw * C;
         const int y = y0 + i;
@@ -95,29 +121,11 @@ void copyBordered(const T* src, int srcStep, int w, int h, int x0, int y0, int b
             continue;
         }
         const T* s = rowAt(src, srcStep, (y >= 0 && y < h) ? y : sourceIndex(y, h, code, topMem, bottomMem));
-        // Inside columns [in0, in1) in copy coordinates.
-        const int in0 = std::max(xa, std::min(xb, -x0)), in1 = std::max(in0, std::min(xb, w - x0));
-        for (int j = xa; j < in0; ++j) {
-            const int x = x0 + j;
-            if (!leftMem && code == border::kConstant) {
-                fill(o + j * C, 1);
-            } else {
-                const T* p = s + static_cast<ptrdiff_t>(leftMem ? x : sourceIndex(x, w, code, leftMem, rightMem)) * C;
-                for (int c = 0; c < C; ++c) o[j * C + c] = p[c];
-            }
-        }
+        for (int j = xa; j < in0; ++j) outside(o, s, j, mapped ? leftMap[j - xa] : mapColumn(j));
         if (in1 > in0)
             std::memcpy(o + in0 * C, s + static_cast<ptrdiff_t>(x0 + in0) * C,
                         static_cast<size_t>(in1 - in0) * C * sizeof(T));
-        for (int j = in1; j < xb; ++j) {
-            const int x = x0 + j;
-            if (!rightMem && code == border::kConstant) {
-                fill(o + j * C, 1);
-            } else {
-                const T* p = s + static_cast<ptrdiff_t>(rightMem ? x : sourceIndex(x, w, code, leftMem, rightMem)) * C;
-                for (int c = 0; c < C; ++c) o[j * C + c] = p[c];
-            }
-        }
+        for (int j = in1; j < xb; ++j) outside(o, s, j, mapped ? rightMap[j - in1] : mapColumn(j));
     }
 }
 

@@ -421,6 +421,9 @@ void rectKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
     const int W = m.W(), H = m.H();
     const int n = f.w * C;
     const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+    // A strip of the library's scratch narrower than a vector: one vector of
+    // all the taps a row costs less than two passes through the ring.
+    if (f.padded && n < Vec<T>::lanes && W * H <= 49) return runKernel<T, C, Max>(f, m, ring);
     auto ringRow = [&](int r) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(r % H) * stride); };
     auto rowPass = [&](int r) {
         RowReducer<T, C, Max>::run(rowAt(static_cast<const T*>(f.src), f.srcStep, r), ringRow(r), n, W, f.padded);
@@ -443,6 +446,69 @@ void rectKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
     for (; y < f.h; ++y) {
         rowPass(y + H - 1);
         reduceRing<T, Max>(ring, stride, H, y, H, outRow(y), n, false);
+    }
+}
+
+// Rectangles up to 7 wide on rows of four vectors or more: the row pass of
+// the newest input row and the column pass of the output row run in one
+// loop over the row, the newest row's values going from registers both
+// into the ring and into the column reduction, where they come last, as in
+// input order. Other rectangles take rectKernel.
+template <class T, int C, bool Max, int W>
+void rectFusedRows(const Frame& f, int H, uint8_t* ring, int stride) {
+    using R = Reduce<T, Max>;
+    using Vt = Vec<T>;
+    constexpr int V = Vt::lanes;
+    const int n = f.w * C;
+    auto ringRow = [&](int r) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(r % H) * stride); };
+    for (int r = 0; r < H - 1; ++r)
+        RowReducer<T, C, Max>::run(rowAt(static_cast<const T*>(f.src), f.srcStep, r), ringRow(r), n, W, f.padded);
+    ptrdiff_t col[TapList::kCapacity];
+    const auto id = Vt::set1(R::identity());
+    for (int y = 0; y < f.h; ++y) {
+        const T* in = rowAt(static_cast<const T*>(f.src), f.srcStep, y + H - 1);
+        T* fresh = ringRow(y + H - 1);
+        T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
+        for (int i = 0; i < H - 1; ++i)
+            col[i] = reinterpret_cast<const uint8_t*>(ringRow(y + i)) - reinterpret_cast<const uint8_t*>(fresh);
+        auto block = [&](int x, auto lanes) {
+            constexpr int U = decltype(lanes)::value;
+            typename Vt::type a[U], b[U];
+            for (int u = 0; u < U; ++u) a[u] = id;
+            for (int j = 0; j < W; ++j)
+                for (int u = 0; u < U; ++u) a[u] = R::vec(Vt::load(in + x + u * V + j * C), a[u]);
+            for (int u = 0; u < U; ++u) {
+                Vt::store(fresh + x + u * V, a[u]);
+                b[u] = id;
+            }
+            for (int i = 0; i < H - 1; ++i) {
+                const T* p = tapAt(static_cast<const T*>(fresh), col[i]) + x;
+                for (int u = 0; u < U; ++u) b[u] = R::vec(Vt::load(p + u * V), b[u]);
+            }
+            for (int u = 0; u < U; ++u) Vt::store(out + x + u * V, R::vec(a[u], b[u]));
+        };
+        int x = 0;
+        for (; x + 4 * V <= n; x += 4 * V) block(x, std::integral_constant<int, 4>{});
+        for (; x + V <= n; x += V) block(x, std::integral_constant<int, 1>{});
+        // The last vector ends at the row's end; the ring and output samples
+        // it meets again get the values they already hold.
+        if (x < n) block(n - V, std::integral_constant<int, 1>{});
+    }
+}
+
+template <class T, int C, bool Max>
+void rectSmallKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
+    const int W = m.W(), H = m.H();
+    const int n = f.w * C;
+    const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+    if (n < 4 * Vec<T>::lanes || H - 1 > TapList::kCapacity) return rectKernel<T, C, Max>(f, m, ring);
+    (void)stride;
+    switch (W) {
+        case 1: return rectFusedRows<T, C, Max, 1>(f, H, ring, stride);
+        case 3: return rectFusedRows<T, C, Max, 3>(f, H, ring, stride);
+        case 5: return rectFusedRows<T, C, Max, 5>(f, H, ring, stride);
+        case 7: return rectFusedRows<T, C, Max, 7>(f, H, ring, stride);
+        default: return rectKernel<T, C, Max>(f, m, ring);
     }
 }
 

@@ -173,16 +173,30 @@ LumStatus run(const Call& c, BitBlock& s, BitBlock& d, LumiSize roi, SpecAndBuff
                                                               roi, c.borderType, c.value, setup.specBlock, setup.buffer));
 }
 
+// Kinds: empty (a copy), full rectangle, scattered elements, every row the
+// same run away from column 0, every row one run of its own (diamonds and
+// disks are of this kind).
 Mask randomMask(int w, int h, Rng& rng) {
     Mask m;
     m.w = w;
     m.h = h;
-    m.m.resize(static_cast<size_t>(w) * h);
-    const int kind = rng.uniform(0, 9);
-    for (uint8_t& v : m.m) {
-        if (kind == 0) v = 0;                                           // empty: a copy
-        else if (kind <= 3) v = static_cast<uint8_t>(rng.uniform(1, 255));  // full rectangle
-        else v = rng.chance(kind <= 6 ? 0.6 : 0.3) ? static_cast<uint8_t>(rng.uniform(1, 255)) : 0;
+    m.m.assign(static_cast<size_t>(w) * h, 0);
+    const int kind = rng.uniform(0, 11);
+    auto on = [&] { return static_cast<uint8_t>(rng.uniform(1, 255)); };
+    if (kind == 0) return m;
+    if (kind <= 3) {
+        for (uint8_t& v : m.m) v = on();
+    } else if (kind <= 7) {
+        for (uint8_t& v : m.m) v = rng.chance(kind <= 5 ? 0.6 : 0.3) ? on() : 0;
+    } else if (kind <= 9) {
+        const int a = rng.uniform(0, w - 1), b = rng.uniform(a, w - 1);
+        for (int i = 0; i < h; ++i)
+            for (int j = a; j <= b; ++j) m.m[static_cast<size_t>(i) * w + j] = on();
+    } else {
+        for (int i = 0; i < h; ++i) {
+            const int a = rng.uniform(0, w - 1), b = rng.uniform(a, w - 1);
+            for (int j = a; j <= b; ++j) m.m[static_cast<size_t>(i) * w + j] = on();
+        }
     }
     return m;
 }
@@ -203,10 +217,11 @@ int randomBorder(Rng& rng) {
 // start with its first, and no memory around the source.
 bool oneCase(Rng& rng, int w, int h, const Mask& mask, const Call& call, bool tight = false) {
     const int margin = tight ? 0 : 4;
-    BitBlock s(w, h, margin, rng.uniform(0, 15), tight ? 0 : rng.uniform(1, 3), tight ? 0 : rng.uniform(0, 3), rng,
+    // Bit offsets mostly 0..15, sometimes far into the row.
+    auto offset = [&] { return rng.chance(0.9) ? rng.uniform(0, 15) : rng.uniform(16, 300); };
+    BitBlock s(w, h, margin, offset(), tight ? 0 : rng.uniform(1, 3), tight ? 0 : rng.uniform(0, 3), rng,
                tight ? 0 : 16);
-    BitBlock d(w, h, 0, rng.uniform(0, 15), tight ? 0 : rng.uniform(0, 2), tight ? 0 : rng.uniform(0, 3), rng,
-               tight ? 0 : 16);
+    BitBlock d(w, h, 0, offset(), tight ? 0 : rng.uniform(0, 2), tight ? 0 : rng.uniform(0, 3), rng, tight ? 0 : 16);
     const std::vector<uint8_t> srcBefore = s.bytes;
     const LumiSize roi{w, h};
     SpecAndBuffer setup(roi, mask, rng.uniform(0, 31));

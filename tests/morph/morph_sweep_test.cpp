@@ -106,7 +106,7 @@ std::vector<uint8_t> wideRect(lumtest::Rng& rng, int& mw, int& mh) {
     return std::vector<uint8_t>(static_cast<size_t>(mw) * mh, 1);
 }
 
-enum class Masks { Random, WideRects, Rect3x3 };
+enum class Masks { Random, WideRects, Rect3x3, SmallRects };
 
 template <class T, int C>
 void sweep(bool dilate, int cases, Masks kind = Masks::Random) {
@@ -120,8 +120,12 @@ void sweep(bool dilate, int cases, Masks kind = Masks::Random) {
         if (kind == Masks::Rect3x3) {
             mw = mh = 3;
             mask.assign(9, 1);
+        } else if (kind == Masks::SmallRects) {
+            mw = rng.uniform(1, 7);
+            mh = rng.uniform(1, 9);
+            mask.assign(static_cast<size_t>(mw) * mh, 1);
         }
-        const int w = rng.chance(0.5) ? rng.uniform(1, 12) : rng.uniform(1, wide ? 150 : 75);
+        const int w = rng.chance(0.5) ? rng.uniform(1, 12) : rng.uniform(1, kind == Masks::SmallRects ? 300 : wide ? 150 : 75);
         const int h = rng.uniform(1, 12);
         const int word = randomBorder(rng);
         const bool formL = rng.chance(0.5);
@@ -201,6 +205,14 @@ TEST(MorphSweep, WideRectangles32f) {
 TEST(MorphSweep, WideRectangles16bit) {
     sweep<Lum16u, 1>(true, 80, Masks::WideRects);
     sweep<Lum16s, 1>(false, 80, Masks::WideRects);
+}
+
+// Rectangles up to 7 wide, whose passes run fused on rows of four vectors.
+TEST(MorphSweep, SmallRectangles) {
+    sweep<Lum8u, 1>(true, 120, Masks::SmallRects);
+    sweep<Lum8u, 3>(false, 60, Masks::SmallRects);
+    sweep<Lum32f, 1>(true, 60, Masks::SmallRects);
+    sweep<Lum16s, 1>(false, 60, Masks::SmallRects);
 }
 
 // The dedicated 8u 3x3 rectangle, on rows either side of its vector loop.
