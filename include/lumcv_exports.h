@@ -141,6 +141,31 @@ LUM_EXPORT(LumStatus, lumiAdd_8u32f_C1IR, add_8u32f_C1IR,
            (src, srcStep, srcDst, srcDstStep, roiSize))
 
 /*
+ * Erosion and dilation: each pixel becomes the minimum (erosion) or maximum
+ * (dilation) of the source pixels that a structuring element selects, per
+ * channel. Init stores the mask with odd dimensions W, H (an even dimension
+ * gains a zero column at the left or a zero row at the top) and its anchor at
+ * the centre; a 1x1 or all-zero mask copies the ROI.
+ *   Outside the ROI: the border word (<= 4095) folds bits 8..11 into 4..7;
+ *     accepted are 240 and low codes 1 replicate, 3 mirror, 5 neutral (the
+ *     operation's identity: lowest value for dilation, highest for erosion,
+ *     the finite extremes for 32f), 6 borderValue; flags 16, 32, 64, 128 read
+ *     the top, bottom, left, right neighbours from memory.
+ *   32f: NaN samples never win a comparison; a window of NaN alone gives the
+ *     identity.
+ *   _L: spec of Init_L (head of two offsets, mask record, 1u plan), buffer of
+ *     GetBufferSize_L. Border forms: spec of MorphologyBorderInit (the mask
+ *     record), buffer of MorphologyBorderGetSize.
+ * Neither form works in place for 16s; erosion neither for 16u.
+ */
+LUM_EXPORT(LumStatus, lumiDilateBorder_16s_C1R, dilateBorder_16s_C1R,
+           (const Lum16s* src, int srcStep, Lum16s* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum16s borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilateBorder_16u_C1R, dilateBorder_16u_C1R,
+           (const Lum16u* src, int srcStep, Lum16u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+
+/*
  * Packed one-bit erosion and dilation. Pixel x of a row lies at bit
  * bitOffset + x from the row's first byte, the most significant bit of a
  * byte first (bit offset 0 is the 0x80 bit). With ax = (mw - 1) / 2 and
@@ -160,15 +185,123 @@ LUM_EXPORT(LumStatus, lumiAdd_8u32f_C1IR, add_8u32f_C1IR,
 LUM_EXPORT(LumStatus, lumiDilateBorder_1u_C1R, dilateBorder_1u_C1R,
            (const Lum8u* src, int srcStep, int srcBitOffset, Lum8u* dst, int dstStep, int dstBitOffset, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilateBorder_32f_C1R, dilateBorder_32f_C1R,
+           (const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilateBorder_32f_C3R, dilateBorder_32f_C3R,
+           (const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilateBorder_32f_C4R, dilateBorder_32f_C4R,
+           (const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilateBorder_8u_C1R, dilateBorder_8u_C1R,
+           (const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilateBorder_8u_C3R, dilateBorder_8u_C3R,
+           (const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilateBorder_8u_C4R, dilateBorder_8u_C4R,
+           (const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilateGetBufferSize_L, morphGetBufferSize_L,
+           (LumiSize roiSize, LumiSize maskSize, LumDataType dataType, int numChannels, LumSizeL* bufferSize),
+           (roiSize, maskSize, dataType, numChannels, bufferSize))
+LUM_EXPORT(LumStatus, lumiDilateGetSpecSize_L, morphGetSpecSize_L,
+           (LumiSize roiSize, LumiSize maskSize, LumSizeL* specSize),
+           (roiSize, maskSize, specSize))
+LUM_EXPORT(LumStatus, lumiDilateInit_L, morphInit_L,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec),
+           (roiSize, mask, maskSize, spec))
+LUM_EXPORT(LumStatus, lumiDilate_16s_C1R_L, dilate_16s_C1R_L,
+           (const Lum16s* src, LumSizeL srcStep, Lum16s* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum16s* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilate_16u_C1R_L, dilate_16u_C1R_L,
+           (const Lum16u* src, LumSizeL srcStep, Lum16u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum16u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
 LUM_EXPORT(LumStatus, lumiDilate_1u_C1R_L, dilate_1u_C1R_L,
            (const Lum8u* src, LumSizeL srcStep, int srcBitOffset, Lum8u* dst, LumSizeL dstStep, int dstBitOffset, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilate_32f_C1R_L, dilate_32f_C1R_L,
+           (const Lum32f* src, LumSizeL srcStep, Lum32f* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilate_32f_C3R_L, dilate_32f_C3R_L,
+           (const Lum32f* src, LumSizeL srcStep, Lum32f* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilate_32f_C4R_L, dilate_32f_C4R_L,
+           (const Lum32f* src, LumSizeL srcStep, Lum32f* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilate_8u_C1R_L, dilate_8u_C1R_L,
+           (const Lum8u* src, LumSizeL srcStep, Lum8u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilate_8u_C3R_L, dilate_8u_C3R_L,
+           (const Lum8u* src, LumSizeL srcStep, Lum8u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiDilate_8u_C4R_L, dilate_8u_C4R_L,
+           (const Lum8u* src, LumSizeL srcStep, Lum8u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeBorder_16s_C1R, erodeBorder_16s_C1R,
+           (const Lum16s* src, int srcStep, Lum16s* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum16s borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeBorder_16u_C1R, erodeBorder_16u_C1R,
+           (const Lum16u* src, int srcStep, Lum16u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum16u borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
 LUM_EXPORT(LumStatus, lumiErodeBorder_1u_C1R, erodeBorder_1u_C1R,
            (const Lum8u* src, int srcStep, int srcBitOffset, Lum8u* dst, int dstStep, int dstBitOffset, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeBorder_32f_C1R, erodeBorder_32f_C1R,
+           (const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum32f borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeBorder_32f_C3R, erodeBorder_32f_C3R,
+           (const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeBorder_32f_C4R, erodeBorder_32f_C4R,
+           (const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeBorder_8u_C1R, erodeBorder_8u_C1R,
+           (const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, Lum8u borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeBorder_8u_C3R, erodeBorder_8u_C3R,
+           (const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeBorder_8u_C4R, erodeBorder_8u_C4R,
+           (const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErodeGetBufferSize_L, morphGetBufferSize_L,
+           (LumiSize roiSize, LumiSize maskSize, LumDataType dataType, int numChannels, LumSizeL* bufferSize),
+           (roiSize, maskSize, dataType, numChannels, bufferSize))
+LUM_EXPORT(LumStatus, lumiErodeGetSpecSize_L, morphGetSpecSize_L,
+           (LumiSize roiSize, LumiSize maskSize, LumSizeL* specSize),
+           (roiSize, maskSize, specSize))
+LUM_EXPORT(LumStatus, lumiErodeInit_L, morphInit_L,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec),
+           (roiSize, mask, maskSize, spec))
+LUM_EXPORT(LumStatus, lumiErode_16s_C1R_L, erode_16s_C1R_L,
+           (const Lum16s* src, LumSizeL srcStep, Lum16s* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum16s* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErode_16u_C1R_L, erode_16u_C1R_L,
+           (const Lum16u* src, LumSizeL srcStep, Lum16u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum16u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
 LUM_EXPORT(LumStatus, lumiErode_1u_C1R_L, erode_1u_C1R_L,
            (const Lum8u* src, LumSizeL srcStep, int srcBitOffset, Lum8u* dst, LumSizeL dstStep, int dstBitOffset, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
            (src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErode_32f_C1R_L, erode_32f_C1R_L,
+           (const Lum32f* src, LumSizeL srcStep, Lum32f* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErode_32f_C3R_L, erode_32f_C3R_L,
+           (const Lum32f* src, LumSizeL srcStep, Lum32f* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErode_32f_C4R_L, erode_32f_C4R_L,
+           (const Lum32f* src, LumSizeL srcStep, Lum32f* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum32f* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErode_8u_C1R_L, erode_8u_C1R_L,
+           (const Lum8u* src, LumSizeL srcStep, Lum8u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErode_8u_C3R_L, erode_8u_C3R_L,
+           (const Lum8u* src, LumSizeL srcStep, Lum8u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
+LUM_EXPORT(LumStatus, lumiErode_8u_C4R_L, erode_8u_C4R_L,
+           (const Lum8u* src, LumSizeL srcStep, Lum8u* dst, LumSizeL dstStep, LumiSize roiSize, LumiBorderType borderType, const Lum8u* borderValue, const Lum8u* spec, Lum8u* buffer),
+           (src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer))
 
 /*
  * Buffer sizes of the row and column pipeline stages, in bytes, for a ROI and
@@ -611,6 +744,12 @@ LUM_EXPORT(LumStatus, lumiMinMaxIndx_8u_C3CMR, minMaxIndx_8u_C3CMR,
 LUM_EXPORT(LumStatus, lumiMinMaxIndx_8u_C3CR, minMaxIndx_8u_C3CR,
            (const Lum8u* src, int srcStep, LumiSize roiSize, int coi, Lum32f* minVal, Lum32f* maxVal, LumiPoint* minIndex, LumiPoint* maxIndex),
            (src, srcStep, roiSize, coi, minVal, maxVal, minIndex, maxIndex))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_16s_C1R, morphologyBorderGetSize_16s_C1R,
+           (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
+           (roiSize, maskSize, specSize, bufferSize))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_16u_C1R, morphologyBorderGetSize_16u_C1R,
+           (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
+           (roiSize, maskSize, specSize, bufferSize))
 
 /*
  * Packed one-bit morphology state: specSize and bufferSize are both
@@ -621,7 +760,49 @@ LUM_EXPORT(LumStatus, lumiMinMaxIndx_8u_C3CR, minMaxIndx_8u_C3CR,
 LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_1u_C1R, morphologyBorderGetSize_1u_C1R,
            (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
            (roiSize, maskSize, specSize, bufferSize))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_32f_C1R, morphologyBorderGetSize_32f_C1R,
+           (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
+           (roiSize, maskSize, specSize, bufferSize))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_32f_C3R, morphologyBorderGetSize_32f_C3R,
+           (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
+           (roiSize, maskSize, specSize, bufferSize))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_32f_C4R, morphologyBorderGetSize_32f_C4R,
+           (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
+           (roiSize, maskSize, specSize, bufferSize))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_8u_C1R, morphologyBorderGetSize_8u_C1R,
+           (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
+           (roiSize, maskSize, specSize, bufferSize))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_8u_C3R, morphologyBorderGetSize_8u_C3R,
+           (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
+           (roiSize, maskSize, specSize, bufferSize))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderGetSize_8u_C4R, morphologyBorderGetSize_8u_C4R,
+           (LumiSize roiSize, LumiSize maskSize, int* specSize, int* bufferSize),
+           (roiSize, maskSize, specSize, bufferSize))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_16s_C1R, morphologyBorderInit,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
+           (roiSize, mask, maskSize, spec, buffer))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_16u_C1R, morphologyBorderInit,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
+           (roiSize, mask, maskSize, spec, buffer))
 LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_1u_C1R, morphologyBorderInit_1u_C1R,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
+           (roiSize, mask, maskSize, spec, buffer))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_32f_C1R, morphologyBorderInit,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
+           (roiSize, mask, maskSize, spec, buffer))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_32f_C3R, morphologyBorderInit,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
+           (roiSize, mask, maskSize, spec, buffer))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_32f_C4R, morphologyBorderInit,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
+           (roiSize, mask, maskSize, spec, buffer))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_8u_C1R, morphologyBorderInit,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
+           (roiSize, mask, maskSize, spec, buffer))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_8u_C3R, morphologyBorderInit,
+           (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
+           (roiSize, mask, maskSize, spec, buffer))
+LUM_EXPORT(LumStatus, lumiMorphologyBorderInit_8u_C4R, morphologyBorderInit,
            (LumiSize roiSize, const Lum8u* mask, LumiSize maskSize, Lum8u* spec, Lum8u* buffer),
            (roiSize, mask, maskSize, spec, buffer))
 

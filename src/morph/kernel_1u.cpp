@@ -7,15 +7,15 @@
 // 63 - p % 64 of word p / 64, plus one spare word, so that "the row read j
 // pixels further on" is (w[k + q] << r) | (w[k + q + 1] >> (64 - r)) with
 // j = 64 q + r. An output row is the OR (dilation) or AND (erosion) of these
-// shifted rows over the selected elements; a full rectangle first reduces
-// every ring row over mw pixels by doubling and then needs one unshifted row
-// a mask row.
+// shifted rows over the selected elements (each element a "tap"). Where it
+// pays, each ring row is instead reduced once over every run length of the
+// mask, and a run of a mask row becomes one tap on the reduction of its
+// length: a full rectangle then needs one unshifted tap a mask row.
 
 #include "morph/kernel_1u.h"
 
 #include <immintrin.h>
 
-#include <cassert>
 #include <cstddef>
 #include <cstring>
 #include <type_traits>

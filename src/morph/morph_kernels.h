@@ -1,0 +1,515 @@
+// Kernels of erosion and dilation. Every kernel gets the window origin of its
+// first output pixel: `src` points to the input sample of output (0, 0)
+// shifted up by the y radius and left by the x radius, and the input holds
+// (w + W - 1) x (h + H - 1) pixels from there, whether bordered copy or the
+// image in place. Each computes w x h output pixels of C channels.
+//
+// Accumulation order is the same on every path: the running value starts at
+// the operation's identity and takes the selected samples row by row, left
+// to right, as acc = op(sample, acc). For integers the order is free; for
+// 32f it fixes what happens to NaN: vector max and min return their second
+// operand when either is NaN, so a NaN sample never replaces the running
+// value and a window of NaN alone leaves the identity.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cfloat>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "frame/carve.h"
+#include "frame/rows.h"
+#include "frame/simd.h"
+#include "morph/mask_record.h"
+
+namespace lum::morph {
+
+using simd::Vec;
+
+// ------------------------------------------------------------ reductions
+
+template <class T, bool Max>
+struct Reduce;
+
+template <bool Max>
+struct Reduce<uint8_t, Max> {
+    static __m256i vec(__m256i x, __m256i acc) { return Max ? _mm256_max_epu8(x, acc) : _mm256_min_epu8(x, acc); }
+    static uint8_t one(uint8_t x, uint8_t acc) { return Max ? (x > acc ? x : acc) : (x < acc ? x : acc); }
+    static constexpr uint8_t identity() { return Max ? 0 : 255; }
+};
+template <bool Max>
+struct Reduce<uint16_t, Max> {
+    static __m256i vec(__m256i x, __m256i acc) { return Max ? _mm256_max_epu16(x, acc) : _mm256_min_epu16(x, acc); }
+    static uint16_t one(uint16_t x, uint16_t acc) { return Max ? (x > acc ? x : acc) : (x < acc ? x : acc); }
+    static constexpr uint16_t identity() { return Max ? 0 : 65535; }
+};
+template <bool Max>
+struct Reduce<int16_t, Max> {
+    static __m256i vec(__m256i x, __m256i acc) { return Max ? _mm256_max_epi16(x, acc) : _mm256_min_epi16(x, acc); }
+    static int16_t one(int16_t x, int16_t acc) { return Max ? (x > acc ? x : acc) : (x < acc ? x : acc); }
+    static constexpr int16_t identity() { return Max ? -32768 : 32767; }
+};
+// maxps / minps: (x > acc) ? x : acc, the second operand whenever either is
+// NaN; the scalar form is the same comparison.
+template <bool Max>
+struct Reduce<float, Max> {
+    static __m256 vec(__m256 x, __m256 acc) { return Max ? _mm256_max_ps(x, acc) : _mm256_min_ps(x, acc); }
+    static float one(float x, float acc) { return Max ? (x > acc ? x : acc) : (x < acc ? x : acc); }
+    static constexpr float identity() { return Max ? -FLT_MAX : FLT_MAX; }
+};
+
+// ------------------------------------------------------------ taps
+
+// A tap is one selected mask element: the byte offset, from the window's
+// top-left sample, of the sample it reads. reduceTaps gives out[x] =
+// op over the taps in their order of base + tap + x, for n samples, starting
+// from the identity (or from out itself, to continue a reduction). Four
+// vectors go side by side so that the chains of max or min overlap; the
+// remainder takes single vectors and one last vector that ends at the row's
+// end, overlapping samples already written with the same values. Rows
+// shorter than a vector go sample by sample, unless the taps read the
+// library's own scratch (`padded`), which always has a vector of bytes
+// behind every row: then one vector is computed into the stack and its
+// first n samples are copied out. Nothing but the row's samples is written,
+// and in the caller's images nothing else is read.
+template <class T>
+inline const T* tapAt(const T* base, ptrdiff_t tap) {
+    return reinterpret_cast<const T*>(reinterpret_cast<const uint8_t*>(base) + tap);
+}
+
+template <class T, bool Max, int K = 0>
+inline void reduceTaps(const T* base, const ptrdiff_t* taps, int count, T* out, int n, bool fromOut = false,
+                       bool padded = false) {
+    using R = Reduce<T, Max>;
+    using Vt = Vec<T>;
+    constexpr int V = Vt::lanes;
+    const int k1 = K > 0 ? K : count;
+    if (n < V && padded) {
+        alignas(32) T tmp[V] = {};
+        auto a = Vt::set1(R::identity());
+        if (fromOut) {
+            for (int x = 0; x < n; ++x) tmp[x] = out[x];
+            a = Vt::load(tmp);
+        }
+        for (int k = 0; k < k1; ++k) a = R::vec(Vt::load(tapAt(base, taps[k])), a);
+        Vt::store(tmp, a);
+        for (int x = 0; x < n; ++x) out[x] = tmp[x];
+        return;
+    }
+    if (n < V) {
+        for (int x = 0; x < n; ++x) {
+            T acc = fromOut ? out[x] : R::identity();
+            for (int k = 0; k < k1; ++k) acc = R::one(tapAt(base, taps[k])[x], acc);
+            out[x] = acc;
+        }
+        return;
+    }
+    const auto id = Vt::set1(R::identity());
+    int x = 0;
+    for (; x + 4 * V <= n; x += 4 * V) {
+        auto a0 = fromOut ? Vt::load(out + x) : id, a1 = fromOut ? Vt::load(out + x + V) : id;
+        auto a2 = fromOut ? Vt::load(out + x + 2 * V) : id, a3 = fromOut ? Vt::load(out + x + 3 * V) : id;
+        for (int k = 0; k < k1; ++k) {
+            const T* p = tapAt(base, taps[k]) + x;
+            a0 = R::vec(Vt::load(p), a0);
+            a1 = R::vec(Vt::load(p + V), a1);
+            a2 = R::vec(Vt::load(p + 2 * V), a2);
+            a3 = R::vec(Vt::load(p + 3 * V), a3);
+        }
+        Vt::store(out + x, a0);
+        Vt::store(out + x + V, a1);
+        Vt::store(out + x + 2 * V, a2);
+        Vt::store(out + x + 3 * V, a3);
+    }
+    auto one = [&](int at) {
+        auto a = fromOut ? Vt::load(out + at) : id;
+        for (int k = 0; k < k1; ++k) a = R::vec(Vt::load(tapAt(base, taps[k]) + at), a);
+        Vt::store(out + at, a);
+    };
+    for (; x + V <= n; x += V) one(x);
+    // The overlapping last vector may meet samples that already hold the
+    // result; from out, taking the same taps again leaves them as they are.
+    if (x < n) one(n - V);
+}
+
+// reduceTaps with the count as a constant for the short lists that the
+// rectangle's passes and small masks produce, so that their loops unroll.
+template <class T, bool Max>
+inline void reduceTapsAny(const T* base, const ptrdiff_t* taps, int count, T* out, int n, bool fromOut,
+                          bool padded = false) {
+    switch (count) {
+        case 1: return reduceTaps<T, Max, 1>(base, taps, 1, out, n, fromOut, padded);
+        case 2: return reduceTaps<T, Max, 2>(base, taps, 2, out, n, fromOut, padded);
+        case 3: return reduceTaps<T, Max, 3>(base, taps, 3, out, n, fromOut, padded);
+        case 4: return reduceTaps<T, Max, 4>(base, taps, 4, out, n, fromOut, padded);
+        case 5: return reduceTaps<T, Max, 5>(base, taps, 5, out, n, fromOut, padded);
+        case 6: return reduceTaps<T, Max, 6>(base, taps, 6, out, n, fromOut, padded);
+        case 7: return reduceTaps<T, Max, 7>(base, taps, 7, out, n, fromOut, padded);
+        case 8: return reduceTaps<T, Max, 8>(base, taps, 8, out, n, fromOut, padded);
+        default: return reduceTaps<T, Max>(base, taps, count, out, n, fromOut, padded);
+    }
+}
+
+struct Frame {
+    const void* src;
+    int srcStep;
+    void* dst;
+    int dstStep;
+    int w, h;
+    bool padded;  // src is the library's scratch: a vector may be read past a row
+};
+
+// The taps of a mask, in row order, with a bound that keeps them on the
+// stack; longer lists run in groups, each continuing the one before.
+struct TapList {
+    static constexpr int kCapacity = 1024;
+    ptrdiff_t tap[kCapacity];
+    int count = 0;
+};
+
+template <class T, bool Max, class Emit>
+void runTaps(const Frame& f, int C, Emit&& emit) {
+    TapList list;
+    const int n = f.w * C;
+    const ptrdiff_t sampleBytes = C * sizeof(T);
+    // emit(add) calls add(row, column) for each tap in order.
+    int total = 0;
+    emit([&](int row, int column) {
+        if (total < TapList::kCapacity) list.tap[total] = static_cast<ptrdiff_t>(row) * f.srcStep + column * sampleBytes;
+        ++total;
+    });
+    for (int y = 0; y < f.h; ++y) {
+        const T* base = rowAt(static_cast<const T*>(f.src), f.srcStep, y);
+        T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
+        if (total <= TapList::kCapacity) {
+            reduceTapsAny<T, Max>(base, list.tap, total, out, n, false, f.padded);
+            continue;
+        }
+        bool started = false;
+        list.count = 0;
+        emit([&](int row, int column) {
+            if (list.count == TapList::kCapacity) {
+                reduceTaps<T, Max>(base, list.tap, list.count, out, n, started, f.padded);
+                started = true;
+                list.count = 0;
+            }
+            list.tap[list.count++] = static_cast<ptrdiff_t>(row) * f.srcStep + column * sampleBytes;
+        });
+        reduceTaps<T, Max>(base, list.tap, list.count, out, n, started, f.padded);
+    }
+}
+
+// ------------------------------------------------------------ general list
+
+// Any mask: for each mask row, the column indices of its selected elements.
+template <class T, int C, bool Max>
+void listKernel(const Frame& f, const MaskView& m, uint8_t*) {
+    const int H = m.H();
+    runTaps<T, Max>(f, C, [&](auto&& add) {
+        for (int i = 0; i < H; ++i) {
+            const uint16_t* list = m.rowList(i);
+            for (int k = 1; k <= list[0]; ++k) add(i, list[k]);
+        }
+    });
+}
+
+// Every mask row one run: its count and first column from the run table.
+template <class T, int C, bool Max>
+void runKernel(const Frame& f, const MaskView& m, uint8_t*) {
+    const int H = m.H();
+    runTaps<T, Max>(f, C, [&](auto&& add) {
+        for (int i = 0; i < H; ++i)
+            for (int k = 0; k < m.run(i)[0]; ++k) add(i, m.run(i)[1] + k);
+    });
+}
+
+// A cross: the full row at the stored row index, then the full column at the
+// stored column index (the centre taken twice, which changes nothing).
+template <class T, int C, bool Max>
+void crossKernel(const Frame& f, const MaskView& m, uint8_t*) {
+    const int W = m.W(), H = m.H();
+    const int row = m.run(0)[0], col = m.run(0)[1];
+    runTaps<T, Max>(f, C, [&](auto&& add) {
+        for (int j = 0; j < W; ++j) add(row, j);
+        for (int i = 0; i < H; ++i) add(i, col);
+    });
+}
+
+// ------------------------------------------------------------ fixed shapes
+
+struct Run {
+    int row, first, count;
+};
+struct Plus3 {
+    static constexpr int rows = 3, taps = 5;
+    static constexpr Run runs[3] = {{0, 1, 1}, {1, 0, 3}, {2, 1, 1}};
+};
+struct Diamond5 {
+    static constexpr int rows = 5, taps = 13;
+    static constexpr Run runs[5] = {{0, 2, 1}, {1, 1, 3}, {2, 0, 5}, {3, 1, 3}, {4, 2, 1}};
+};
+struct Round7 {
+    static constexpr int rows = 7, taps = 29;
+    static constexpr Run runs[7] = {{0, 3, 1}, {1, 1, 5}, {2, 1, 5}, {3, 0, 7}, {4, 1, 5}, {5, 1, 5}, {6, 3, 1}};
+};
+
+// A pattern known at compile time: its number of taps is a constant, so the
+// loop over them unrolls into a fixed list of loads.
+template <class Shape>
+constexpr int tapCount() {
+    int k = 0;
+    for (const Run& r : Shape::runs) k += r.count;
+    return k;
+}
+
+template <class Shape, class T, int C, bool Max>
+void shapeKernel(const Frame& f, const MaskView&, uint8_t*) {
+    static_assert(tapCount<Shape>() == Shape::taps, "taps of the pattern");
+    ptrdiff_t taps[Shape::taps];
+    int k = 0;
+    for (const Run& r : Shape::runs)
+        for (int j = 0; j < r.count; ++j)
+            taps[k++] = static_cast<ptrdiff_t>(r.row) * f.srcStep + static_cast<ptrdiff_t>(r.first + j) * C * sizeof(T);
+    for (int y = 0; y < f.h; ++y)
+        reduceTaps<T, Max, Shape::taps>(rowAt(static_cast<const T*>(f.src), f.srcStep, y), taps, Shape::taps,
+                                        rowAt(static_cast<T*>(f.dst), f.dstStep, y), f.w * C, false, f.padded);
+}
+
+// The 8u one-channel 3x3 rectangle: per 32 pixels, the column maximum (or
+// minimum) of the three rows, then that vector against itself shifted by one
+// and by two pixels, which the next 32 columns' vector supplies across the
+// lane boundary; the row's last pixels take the nine taps.
+template <bool Max>
+void rect3x3_8u(const Frame& f, const MaskView&, uint8_t*) {
+    using R = Reduce<uint8_t, Max>;
+    const int n = f.w;
+    const ptrdiff_t s = f.srcStep;
+    const ptrdiff_t taps[9] = {0, 1, 2, s, s + 1, s + 2, 2 * s, 2 * s + 1, 2 * s + 2};
+    for (int y = 0; y < f.h; ++y) {
+        const uint8_t* r0 = rowAt(static_cast<const uint8_t*>(f.src), f.srcStep, y);
+        uint8_t* out = rowAt(static_cast<uint8_t*>(f.dst), f.dstStep, y);
+        auto column = [&](int x) {
+            return R::vec(Vec<uint8_t>::load(r0 + 2 * s + x),
+                          R::vec(Vec<uint8_t>::load(r0 + s + x), Vec<uint8_t>::load(r0 + x)));
+        };
+        int x = 0;
+        if (n + 2 >= 64) {
+            __m256i v0 = column(0);
+            for (; x + 64 <= n + 2; x += 32) {
+                const __m256i v1 = column(x + 32);
+                // p = (v0 high lane, v1 low lane): alignr then shifts each
+                // lane by whole pixels across the 32 bytes of v0.
+                const __m256i p = _mm256_permute2x128_si256(v0, v1, 0x21);
+                const __m256i s1 = _mm256_alignr_epi8(p, v0, 1), s2 = _mm256_alignr_epi8(p, v0, 2);
+                Vec<uint8_t>::store(out + x, R::vec(s2, R::vec(s1, v0)));
+                v0 = v1;
+            }
+        }
+        if (x < n) reduceTaps<uint8_t, Max, 9>(r0 + x, taps, 9, out + x, n - x, false, f.padded);
+    }
+}
+
+// ------------------------------------------------------------ rectangle
+
+// One row of the rectangle's row pass: out[x] = op over j < W of in[x + jC],
+// for n samples. Narrow masks take the W taps directly. Wider ones double
+// the window in a temporary on the stack, in chunks: pairs, then quadruples
+// and so on up to the greatest power of two 2^k <= W, and finally two
+// windows of 2^k that overlap to cover W; about log2(W) + 1 passes whatever
+// the mask's width. Every merge keeps the earlier half's value on a tie, as
+// the direct order does; integer max and min don't depend on order, and for
+// 32f both forms skip NaN alike, so the result is the direct one.
+template <class T, int C, bool Max>
+struct RowReducer {
+    static constexpr int V = Vec<T>::lanes;
+    static constexpr int kTempBytes = 16384;
+    static constexpr int kDirectUpTo = 7;
+    static constexpr ptrdiff_t kTap = C * sizeof(T);
+
+    // t[i] = op(t[i + d], t[i]) for i < count, forward and in place: each
+    // vector loads both operands before its store, and later loads lie at or
+    // past the stored ones. Whole vectors, reading up to V - 1 samples of
+    // slack past the valid part, which only feed positions that are past it.
+    static void foldInPlace(T* t, int count, int d) {
+        using R = Reduce<T, Max>;
+        for (int i = 0; i < count; i += V) Vec<T>::store(t + i, R::vec(Vec<T>::load(t + i + d), Vec<T>::load(t + i)));
+    }
+
+    static void run(const T* in, T* out, int n, int W, bool padded) {
+        if (W <= kDirectUpTo) {
+            ptrdiff_t taps[kDirectUpTo];
+            for (int j = 0; j < W; ++j) taps[j] = j * kTap;
+            reduceTapsAny<T, Max>(in, taps, W, out, n, false, padded);
+        } else if (kTempBytes / static_cast<int>(sizeof(T)) - (W - 1) * C - 2 * V < 8 * V) {
+            direct(in, out, n, W, padded);
+        } else {
+            doubling(in, out, n, W, padded);
+        }
+    }
+
+    // W taps in groups of a tap list.
+    [[gnu::noinline]] static void direct(const T* in, T* out, int n, int W, bool padded) {
+        ptrdiff_t taps[TapList::kCapacity];
+        for (int j0 = 0; j0 < W; j0 += TapList::kCapacity) {
+            const int count = W - j0 < TapList::kCapacity ? W - j0 : TapList::kCapacity;
+            for (int j = 0; j < count; ++j) taps[j] = (j0 + j) * kTap;
+            reduceTapsAny<T, Max>(in, taps, count, out, n, j0 > 0, padded);
+        }
+    }
+
+    [[gnu::noinline]] static void doubling(const T* in, T* out, int n, int W, bool padded) {
+        using R = Reduce<T, Max>;
+        const int reach = (W - 1) * C;
+        constexpr int cap = kTempBytes / static_cast<int>(sizeof(T));
+        const int chunk = cap - reach - 2 * V;
+        alignas(32) T t[cap];
+        for (int x0 = 0; x0 < n; x0 += chunk) {
+            const int len = n - x0 < chunk ? n - x0 : chunk;
+            // Pairs from the input: len + reach - C valid samples, then two
+            // vectors of the identity as slack.
+            int valid = len + reach - C;
+            const ptrdiff_t pair[2] = {0, kTap};
+            reduceTaps<T, Max, 2>(in + x0, pair, 2, t, valid, false, padded);
+            for (int k = valid; k < valid + 2 * V; ++k) t[k] = R::identity();
+            int span = 2;
+            while (2 * span <= W) {
+                valid -= span * C;
+                foldInPlace(t, valid, span * C);
+                span *= 2;
+            }
+            const ptrdiff_t halves[2] = {0, (W - span) * kTap};
+            reduceTaps<T, Max, 2>(t, halves, 2, out + x0, len, false, true);
+        }
+    }
+};
+
+// out = op over `count` ring rows from input row `first` on, in input order.
+template <class T, bool Max>
+void reduceRing(const uint8_t* ring, int stride, int H, int first, int count, T* out, int n, bool fromOut) {
+    constexpr int kShort = 16;
+    ptrdiff_t shortTaps[kShort];
+    int slot = first % H;
+    if (count <= kShort) {
+        for (int i = 0; i < count; ++i, slot = slot + 1 == H ? 0 : slot + 1)
+            shortTaps[i] = static_cast<ptrdiff_t>(slot) * stride;
+        reduceTapsAny<T, Max>(reinterpret_cast<const T*>(ring), shortTaps, count, out, n, fromOut, true);
+        return;
+    }
+    ptrdiff_t taps[TapList::kCapacity];
+    for (int i0 = 0; i0 < count; i0 += TapList::kCapacity) {
+        const int group = count - i0 < TapList::kCapacity ? count - i0 : TapList::kCapacity;
+        for (int i = 0; i < group; ++i, slot = slot + 1 == H ? 0 : slot + 1)
+            taps[i] = static_cast<ptrdiff_t>(slot) * stride;
+        reduceTapsAny<T, Max>(reinterpret_cast<const T*>(ring), taps, group, out, n, fromOut || i0 > 0, true);
+    }
+}
+
+// A full W x H rectangle in two passes. The row pass reduces each input row
+// over W samples a channel into a ring of H rows (stride a multiple of 32
+// bytes); the ring is primed with H - 1 rows, then each output row adds one
+// row to the ring and the column pass reduces the H ring rows in input order.
+// From H = 5 on, in rows of four vectors or more, output rows go in pairs that share their H - 1 common ring
+// rows: their reduction gives output row y + 1 a start, and row y its
+// result with ring row y; row y + 1 then takes ring row y + H once that row
+// has replaced row y in the ring.
+template <class T, int C, bool Max>
+void rectKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
+    const int W = m.W(), H = m.H();
+    const int n = f.w * C;
+    const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+    // A strip of the library's scratch narrower than a vector: one vector of
+    // all the taps a row costs less than two passes through the ring.
+    if (f.padded && n < Vec<T>::lanes && W * H <= 49) return runKernel<T, C, Max>(f, m, ring);
+    auto ringRow = [&](int r) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(r % H) * stride); };
+    auto rowPass = [&](int r) {
+        RowReducer<T, C, Max>::run(rowAt(static_cast<const T*>(f.src), f.srcStep, r), ringRow(r), n, W, f.padded);
+    };
+    auto outRow = [&](int y) { return rowAt(static_cast<T*>(f.dst), f.dstStep, y); };
+    for (int r = 0; r < H - 1; ++r) rowPass(r);
+    int y = 0;
+    if (H >= 5 && n >= 4 * Vec<T>::lanes) {
+        for (; y + 2 <= f.h; y += 2) {
+            rowPass(y + H - 1);
+            T* out0 = outRow(y);
+            T* out1 = outRow(y + 1);
+            reduceRing<T, Max>(ring, stride, H, y + 1, H - 1, out1, n, false);
+            const ptrdiff_t pair[2] = {reinterpret_cast<const uint8_t*>(ringRow(y)) - reinterpret_cast<const uint8_t*>(out1), 0};
+            reduceTaps<T, Max, 2>(out1, pair, 2, out0, n);
+            rowPass(y + H);
+            reduceRing<T, Max>(ring, stride, H, y + H, 1, out1, n, true);
+        }
+    }
+    for (; y < f.h; ++y) {
+        rowPass(y + H - 1);
+        reduceRing<T, Max>(ring, stride, H, y, H, outRow(y), n, false);
+    }
+}
+
+// Rectangles up to 7 wide on rows of four vectors or more: the row pass of
+// the newest input row and the column pass of the output row run in one
+// loop over the row, the newest row's values going from registers both
+// into the ring and into the column reduction, where they come last, as in
+// input order. Other rectangles take rectKernel.
+template <class T, int C, bool Max, int W>
+void rectFusedRows(const Frame& f, int H, uint8_t* ring, int stride) {
+    using R = Reduce<T, Max>;
+    using Vt = Vec<T>;
+    constexpr int V = Vt::lanes;
+    const int n = f.w * C;
+    auto ringRow = [&](int r) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(r % H) * stride); };
+    for (int r = 0; r < H - 1; ++r)
+        RowReducer<T, C, Max>::run(rowAt(static_cast<const T*>(f.src), f.srcStep, r), ringRow(r), n, W, f.padded);
+    ptrdiff_t col[TapList::kCapacity];
+    const auto id = Vt::set1(R::identity());
+    for (int y = 0; y < f.h; ++y) {
+        const T* in = rowAt(static_cast<const T*>(f.src), f.srcStep, y + H - 1);
+        T* fresh = ringRow(y + H - 1);
+        T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
+        for (int i = 0; i < H - 1; ++i)
+            col[i] = reinterpret_cast<const uint8_t*>(ringRow(y + i)) - reinterpret_cast<const uint8_t*>(fresh);
+        auto block = [&](int x, auto lanes) {
+            constexpr int U = decltype(lanes)::value;
+            typename Vt::type a[U], b[U];
+            for (int u = 0; u < U; ++u) a[u] = id;
+            for (int j = 0; j < W; ++j)
+                for (int u = 0; u < U; ++u) a[u] = R::vec(Vt::load(in + x + u * V + j * C), a[u]);
+            for (int u = 0; u < U; ++u) {
+                Vt::store(fresh + x + u * V, a[u]);
+                b[u] = id;
+            }
+            for (int i = 0; i < H - 1; ++i) {
+                const T* p = tapAt(static_cast<const T*>(fresh), col[i]) + x;
+                for (int u = 0; u < U; ++u) b[u] = R::vec(Vt::load(p + u * V), b[u]);
+            }
+            for (int u = 0; u < U; ++u) Vt::store(out + x + u * V, R::vec(a[u], b[u]));
+        };
+        int x = 0;
+        for (; x + 4 * V <= n; x += 4 * V) block(x, std::integral_constant<int, 4>{});
+        for (; x + V <= n; x += V) block(x, std::integral_constant<int, 1>{});
+        // The last vector ends at the row's end; the ring and output samples
+        // it meets again get the values they already hold.
+        if (x < n) block(n - V, std::integral_constant<int, 1>{});
+    }
+}
+
+template <class T, int C, bool Max>
+void rectSmallKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
+    const int W = m.W(), H = m.H();
+    const int n = f.w * C;
+    const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+    if (n < 4 * Vec<T>::lanes || H - 1 > TapList::kCapacity) return rectKernel<T, C, Max>(f, m, ring);
+    (void)stride;
+    switch (W) {
+        case 1: return rectFusedRows<T, C, Max, 1>(f, H, ring, stride);
+        case 3: return rectFusedRows<T, C, Max, 3>(f, H, ring, stride);
+        case 5: return rectFusedRows<T, C, Max, 5>(f, H, ring, stride);
+        case 7: return rectFusedRows<T, C, Max, 7>(f, H, ring, stride);
+        default: return rectKernel<T, C, Max>(f, m, ring);
+    }
+}
+
+}  // namespace lum::morph
