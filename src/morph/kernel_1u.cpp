@@ -7,15 +7,15 @@
 // 63 - p % 64 of word p / 64, plus one spare word, so that "the row read j
 // pixels further on" is (w[k + q] << r) | (w[k + q + 1] >> (64 - r)) with
 // j = 64 q + r. An output row is the OR (dilation) or AND (erosion) of these
-// shifted rows over the selected elements; a full rectangle first reduces
-// every ring row over mw pixels by doubling and then needs one unshifted row
-// a mask row.
+// shifted rows over the selected elements (each element a "tap"). Where it
+// pays, each ring row is instead reduced once over every run length of the
+// mask, and a run of a mask row becomes one tap on the reduction of its
+// length: a full rectangle then needs one unshifted tap a mask row.
 
 #include "morph/kernel_1u.h"
 
 #include <immintrin.h>
 
-#include <cassert>
 #include <cstddef>
 #include <cstring>
 #include <type_traits>
@@ -86,15 +86,13 @@ public:
             const u64 v = loadBigEndian64(p_ + b0);
             return sh == 0 ? v : (v << sh) | (p_[b0 + 8] >> (8 - sh));
         }
-        u64 out = 0;
-        for (ptrdiff_t b = b0; b <= b0 + 8; ++b) {
-            if (b < 0 || b >= n_) continue;
-            const int r = static_cast<int>(8 * b - t0);  // -7 .. 64: where the byte's top bit lands
-            if (r >= 64) continue;
-            const u64 byte = p_[b];
-            out |= r <= 56 ? byte << (56 - r) : byte >> (r - 56);
-        }
-        return out;
+        // Near the stream's ends: the nine bytes from b0, those outside as 0.
+        uint8_t bytes[9] = {};
+        const ptrdiff_t lo = b0 < 0 ? 0 : b0;
+        const ptrdiff_t hi = b0 + 9 < n_ ? b0 + 9 : n_;
+        if (lo < hi) std::memcpy(bytes + (lo - b0), p_ + lo, static_cast<size_t>(hi - lo));
+        const u64 v = loadBigEndian64(bytes);
+        return sh == 0 ? v : (v << sh) | (bytes[8] >> (8 - sh));
     }
 
 private:
@@ -270,10 +268,14 @@ void widenRow(u64* out, const Geometry& g, const Bits1u& img, int r, int word, b
     const int xhi = rightMem ? g.w + g.re : g.w;
     const bool leftBit = code == border::kReplicate ? bitAt(row, off) : fill;
     const bool rightBit = code == border::kReplicate ? bitAt(row, off + g.w - 1) : fill;
-    const u64 v = leftBit ? kOnes : 0;
-    for (int k = 0; k < g.rowWords; ++k) out[k] = v;
-    fillBits(out, xhi + g.ax, 64 * g.rowWords, rightBit);
-    copyBits(out, xlo + g.ax, row, off + xlo, xhi - xlo);
+    // Words wholly in front of the copied bits and behind them take the
+    // outside bits; the copy then merges into the two words at its ends.
+    const int from = xlo + g.ax, to = xhi + g.ax;
+    const int k0 = from >> 6, k1 = (to - 1) >> 6;
+    for (int k = 0; k <= k0; ++k) out[k] = leftBit ? kOnes : 0;
+    for (int k = k1 + 1; k < g.rowWords; ++k) out[k] = rightBit ? kOnes : 0;
+    fillBits(out, to, 64 * (k1 + 1), rightBit);
+    copyBits(out, from, row, off + xlo, xhi - xlo);
 }
 
 // The mask's runs as the kernel walks them: per mask row, its runs as
@@ -348,6 +350,10 @@ void morphByElements(const Bits1u& img, const Geometry& g, int word, bool fill, 
     }
 }
 
+// Runs up to this length are reduced straight from the widened row, one tap
+// a pixel; longer ones by doubling.
+constexpr int kDirectRun = 4;
+
 // Run lengths of the mask, distinct and ascending, when few enough.
 struct RunLengths {
     static constexpr int kMax = 16;
@@ -376,11 +382,11 @@ struct RunLengths {
                 ++count;
             });
     }
-    // Passes over a widened row that the run form makes: the doubling steps
-    // up to the longest length, and one a length.
+    // Passes over a widened row that the run form makes: one a length, and
+    // the doubling steps up to the longest length above kDirectRun.
     int passes() const {
         int steps = 0;
-        while (count > 0 && (2 << steps) <= length[count - 1]) ++steps;
+        while (count > 0 && length[count - 1] > kDirectRun && (2 << steps) <= length[count - 1]) ++steps;
         return steps + count;
     }
     int indexOf(int len) const {
@@ -410,6 +416,13 @@ void morphByRuns(const Bits1u& img, const Geometry& g, int word, bool fill, cons
         int span = 1;
         for (int d = 0; d < D; ++d) {
             const int len = lengths.length[d];
+            u64* out = reduced(r, d);
+            if (len <= kDirectRun) {  // lengths ascend: the spare row is still as widened
+                Tap taps[kDirectRun];
+                for (int j = 0; j < len; ++j) taps[j] = Tap{spare, j, _mm_cvtsi32_si128(j), _mm_cvtsi32_si128(64 - j)};
+                combineTaps<Op, false>(out, taps, len, g.rowWords - 1, true);
+                continue;
+            }
             // After a step that shifts by s, position p holds the OP over
             // [p, p + 2s); such a step reads up to word k + s / 64 + 1 and so
             // updates words - 1 - s / 64 words, all that later steps read.
@@ -417,7 +430,6 @@ void morphByRuns(const Bits1u& img, const Geometry& g, int word, bool fill, cons
                 combineShifted<Op>(spare, spare, span, g.rowWords - 1 - (span >> 6));
                 span *= 2;
             }
-            u64* out = reduced(r, d);
             const int rest = len - span;
             const Tap taps[2] = {{spare, 0, _mm_cvtsi32_si128(0), _mm_cvtsi32_si128(64)},
                                  {spare + (rest >> 6), rest & 63, _mm_cvtsi32_si128(rest & 63),

@@ -115,9 +115,10 @@ std::vector<uint8_t> reference(const BitBlock& s, const Mask& mask, bool erode, 
 
 // ------------------------------------------------------------ calling
 
-// A spec and a buffer of exactly the queried sizes, the _L spec built as an
-// 8-byte head (offset of a mask record, offset of the plan) with the plan at
-// an odd offset behind a dummy record.
+// A spec and a buffer of exactly the queried sizes. The _L spec is either
+// the one lumiErodeInit_L builds (buffer: lumiErodeGetBufferSize_L for 1u),
+// or built by hand as an 8-byte head (offset of a mask record, offset of the
+// plan) with the plan at an odd offset behind a dummy record.
 struct SpecAndBuffer {
     int specSize = 0, bufferSize = 0;
     uint8_t* specBlock = nullptr;  // the Border forms' spec: the plan alone
@@ -126,19 +127,27 @@ struct SpecAndBuffer {
     uint8_t* buffer = nullptr;
     static constexpr int kPlanInL = 8 + 13;
 
-    SpecAndBuffer(LumiSize roi, const Mask& mask, int bufferLead) {
+    SpecAndBuffer(LumiSize roi, const Mask& mask, int bufferLead, bool viaInitL = false) {
         const LumiSize ms{mask.w, mask.h};
         EXPECT_EQ(LUMTEST_NOALLOC(lumiMorphologyBorderGetSize_1u_C1R, (roi, ms, &specSize, &bufferSize)), lumStatusOk);
         specBlock = static_cast<uint8_t*>(std::malloc(specSize));
         std::vector<uint8_t> initBuffer(1);
         EXPECT_EQ(LUMTEST_NOALLOC(lumiMorphologyBorderInit_1u_C1R, (roi, mask.m.data(), ms, specBlock, initBuffer.data())),
                   lumStatusOk);
-        lBlock = static_cast<uint8_t*>(std::malloc(kPlanInL + specSize));
-        const int32_t head[2] = {8, kPlanInL};
-        std::memcpy(lBlock, head, 8);
-        std::memset(lBlock + 8, 0xEE, kPlanInL - 8);
-        EXPECT_EQ(lumiMorphologyBorderInit_1u_C1R(roi, mask.m.data(), ms, lBlock + kPlanInL, initBuffer.data()),
-                  lumStatusOk);
+        if (viaInitL) {
+            int specSizeL = 0;
+            EXPECT_EQ(lumiErodeGetSpecSize_L(roi, ms, &specSizeL), lumStatusOk);
+            EXPECT_EQ(lumiErodeGetBufferSize_L(roi, ms, static_cast<LumDataType>(0), 1, &bufferSize), lumStatusOk);
+            lBlock = static_cast<uint8_t*>(std::malloc(specSizeL));
+            EXPECT_EQ(lumiErodeInit_L(roi, mask.m.data(), ms, lBlock), lumStatusOk);
+        } else {
+            lBlock = static_cast<uint8_t*>(std::malloc(kPlanInL + specSize));
+            const int32_t head[2] = {8, kPlanInL};
+            std::memcpy(lBlock, head, 8);
+            std::memset(lBlock + 8, 0xEE, kPlanInL - 8);
+            EXPECT_EQ(lumiMorphologyBorderInit_1u_C1R(roi, mask.m.data(), ms, lBlock + kPlanInL, initBuffer.data()),
+                      lumStatusOk);
+        }
         bufferBlock = static_cast<uint8_t*>(std::malloc(bufferLead + bufferSize));
         std::memset(bufferBlock, 0x5A, bufferLead + bufferSize);
         buffer = bufferBlock + bufferLead;
@@ -224,7 +233,7 @@ bool oneCase(Rng& rng, int w, int h, const Mask& mask, const Call& call, bool ti
     BitBlock d(w, h, 0, offset(), tight ? 0 : rng.uniform(0, 2), tight ? 0 : rng.uniform(0, 3), rng, tight ? 0 : 16);
     const std::vector<uint8_t> srcBefore = s.bytes;
     const LumiSize roi{w, h};
-    SpecAndBuffer setup(roi, mask, rng.uniform(0, 31));
+    SpecAndBuffer setup(roi, mask, rng.uniform(0, 31), call.formL && rng.chance(0.5));
     const int folded = ((call.borderType & 3840) >> 4) | (call.borderType & 255);
     const bool fill = (folded & 15) == 5 ? call.erode : call.value != 0;
     const std::vector<uint8_t> want = reference(s, mask, call.erode, call.borderType, fill);
