@@ -335,7 +335,9 @@ TEST(SizeInit1u, SizesFollowTheFormula) {
                 ASSERT_EQ(lumiMorphologyBorderGetSize_1u_C1R({w, 3}, {mw, mh}, &s, &b), lumStatusOk);
                 EXPECT_EQ(s, b);
                 EXPECT_GE(s, formulaP({w, 3}, {mw, mh}, 0));
-                if (w >= 9) EXPECT_EQ(s, formulaP({w, 3}, {mw, mh}, 0)) << w << " " << mw << "x" << mh;
+                if (w >= 9) {
+                    EXPECT_EQ(s, formulaP({w, 3}, {mw, mh}, 0)) << w << " " << mw << "x" << mh;
+                }
             }
     int s = 0, b = 0;
     ASSERT_EQ(lumiMorphologyBorderGetSize_1u_C1R({10, 1}, {3, 3}, &s, &b), lumStatusOk);
