@@ -14,28 +14,9 @@
 #include <vector>
 
 #include "lumcv.h"
+#include "support/peer_scene.h"
 
 namespace {
-
-// A scene with smooth shading, hard-edged shapes and noise, in [0, scale].
-cv::Mat scene(int w, int h, int channels, int cvDepth, double scale, uint32_t seed) {
-    cv::Mat f(h, w, CV_MAKETYPE(CV_32F, channels));
-    std::mt19937 g(seed);
-    std::normal_distribution<float> noise(0.0f, 0.02f);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x)
-            for (int c = 0; c < channels; ++c) {
-                float v = 0.2f + 0.5f * x / w + 0.2f * y / h + 0.05f * std::sin(0.3f * x + c) * std::cos(0.2f * y);
-                if ((x - w / 3) * (x - w / 3) + (y - h / 2) * (y - h / 2) < (h / 4) * (h / 4)) v = 0.9f - 0.1f * c;
-                if (x > 2 * w / 3 && y < h / 3) v = 0.05f;
-                v += noise(g);
-                v = v < 0 ? 0 : (v > 1 ? 1 : v);
-                f.ptr<float>(y)[x * channels + c] = v;
-            }
-    cv::Mat out;
-    f.convertTo(out, CV_MAKETYPE(cvDepth, channels), scale, cvDepth == CV_16S ? -scale / 2 : 0.0);
-    return out;
-}
 
 template <class T>
 using Fn = LumStatus (*)(const T*, int, T*, int, LumiSize, LumiBorderType, const T*, const Lum8u*, Lum8u*);
@@ -51,7 +32,7 @@ LumDataType typeOf() {
 template <class T>
 void compare(Fn<T> fn, int channels, int cvDepth, double scale, double tolerance, bool relative) {
     const int w = 317, h = 203;
-    const cv::Mat src = scene(w, h, channels, cvDepth, scale, 11);
+    const cv::Mat src = lumtest::peerScene(w, h, channels, cvDepth, scale, 11, lumtest::kGentleScene);
     const struct {
         int lum;
         int cv;

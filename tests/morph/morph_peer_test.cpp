@@ -14,29 +14,9 @@
 #include <vector>
 
 #include "lumcv.h"
+#include "support/peer_scene.h"
 
 namespace {
-
-// Shading, hard-edged shapes, texture and noise, in [0, scale] (16s: centred).
-cv::Mat scene(int w, int h, int channels, int cvDepth, double scale, uint32_t seed) {
-    cv::Mat f(h, w, CV_MAKETYPE(CV_32F, channels));
-    std::mt19937 g(seed);
-    std::normal_distribution<float> noise(0.0f, 0.04f);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x)
-            for (int c = 0; c < channels; ++c) {
-                float v = 0.2f + 0.5f * x / w + 0.2f * y / h + 0.1f * std::sin(0.7f * x + c) * std::cos(0.45f * y);
-                if ((x - w / 3) * (x - w / 3) + (y - h / 2) * (y - h / 2) < (h / 4) * (h / 4)) v = 0.9f - 0.1f * c;
-                if (x > 2 * w / 3 && y < h / 3) v = 0.05f;
-                if ((x / 9 + y / 7) % 11 == 0) v = 1.0f - v;
-                v += noise(g);
-                v = v < 0 ? 0 : (v > 1 ? 1 : v);
-                f.ptr<float>(y)[x * channels + c] = v;
-            }
-    cv::Mat out;
-    f.convertTo(out, CV_MAKETYPE(cvDepth, channels), scale, cvDepth == CV_16S ? -scale / 2 : 0.0);
-    return out;
-}
 
 struct Mask {
     std::string name;
@@ -96,7 +76,7 @@ struct Member {
 template <class T>
 void compare(const Member<T>& f, int channels, int cvDepth, double scale, T constant) {
     const int w = 211, h = 97;
-    const cv::Mat src = scene(w, h, channels, cvDepth, scale, 17);
+    const cv::Mat src = lumtest::peerScene(w, h, channels, cvDepth, scale, 17, lumtest::kBusyScene);
     const struct {
         int lum;
         int cv;
@@ -175,7 +155,7 @@ TEST(MorphPeer, FloatAgreesWithThePeer) {
 // image pixel (never with these masks, which select their anchor).
 TEST(MorphPeer, NeutralBorderIsThePeersDefaultBorder) {
     const int w = 97, h = 61;
-    const cv::Mat src = scene(w, h, 1, CV_8U, 255.0, 23);
+    const cv::Mat src = lumtest::peerScene(w, h, 1, CV_8U, 255.0, 23, lumtest::kBusyScene);
     for (const Mask& m : masks()) {
         int specSize = 0, bufferSize = 0;
         ASSERT_EQ(lumiMorphologyBorderGetSize_8u_C1R({w, h}, {m.w, m.h}, &specSize, &bufferSize), lumStatusOk);
