@@ -129,6 +129,37 @@ void copyBordered(const T* src, int srcStep, int w, int h, int x0, int y0, int b
     }
 }
 
+// Full rectangles up to 7 wide on rows of three vectors or more run over the
+// whole ROI at once, making their borders row by row: no bordered copies.
+template <class T, int C, bool Max>
+bool rectWithEdges(const T* src, int srcStep, T* dst, int dstStep, int w, int h, const MaskView& m, int code, int flags,
+                   const T* value, uint8_t* ring) {
+    constexpr int V = Vec<T>::lanes;
+    const int W = m.W(), H = m.H();
+    const int ax = (W - 1) / 2, ay = (H - 1) / 2;
+    if (!(m.classification() & kFullRect) || W < 3 || W > 7 || ax * C > V || w * C < 3 * V ||
+        H - 1 > TapList::kCapacity)
+        return false;
+    using E = EdgeLines<T, C>;
+    E e{src, srcStep, w, h, code, (flags & border::kTop) != 0, (flags & border::kBottom) != 0, value, ax, {}, {}};
+    const bool leftMem = flags & border::kLeft, rightMem = flags & border::kRight;
+    auto column = [&](int x) {
+        const bool mem = x < 0 ? leftMem : rightMem;
+        if (!mem && code == border::kConstant) return E::kValue;
+        return mem ? x : border::sourceIndex(x, w, code, leftMem, rightMem);
+    };
+    for (int k = 0; k < ax; ++k) {
+        e.left[k] = column(k - ax);
+        e.right[k] = column(w + k);
+    }
+    switch (W) {
+        case 3: rectEdges<T, C, Max, 3>(e, H, ay, dst, dstStep, ring); break;
+        case 5: rectEdges<T, C, Max, 5>(e, H, ay, dst, dstStep, ring); break;
+        default: rectEdges<T, C, Max, 7>(e, H, ay, dst, dstStep, ring); break;
+    }
+    return true;
+}
+
 template <class T, int C>
 void copyRoi(const T* src, int srcStep, T* dst, int dstStep, int w, int h) {
     if (static_cast<const void*>(src) == static_cast<const void*>(dst)) return;
@@ -177,6 +208,8 @@ void runMorph(const T* src, int srcStep, T* dst, int dstStep, LumiSize roi, int 
         kernel({at(-ax, -ay), srcStep, dst, dstStep, w, h, false}, m, ring);
         return;
     }
+
+    if (rectWithEdges<T, C, Max>(src, srcStep, dst, dstStep, w, h, m, code, flags, value, ring)) return;
 
     if (w <= W || h <= H) {
         const int bw = w + W - 1, bh = h + H - 1;

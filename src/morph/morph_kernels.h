@@ -15,12 +15,14 @@
 #include <immintrin.h>
 
 #include <cfloat>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <type_traits>
 
+#include "frame/border.h"
 #include "frame/carve.h"
 #include "frame/rows.h"
 #include "frame/simd.h"
@@ -509,6 +511,134 @@ void rectSmallKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
         case 5: return rectFusedRows<T, C, Max, 5>(f, H, ring, stride);
         case 7: return rectFusedRows<T, C, Max, 7>(f, H, ring, stride);
         default: return rectKernel<T, C, Max>(f, m, ring);
+    }
+}
+
+// ------------------------------------------------------------ rectangle, borders made in the kernel
+
+// The lines around the ROI as the rectangle below reads them: a row outside
+// maps to a source row, or to the value where it takes the value whole; a
+// pixel left or right of the ROI to a source column or to the value. Columns
+// in memory keep their own index.
+template <class T, int C>
+struct EdgeLines {
+    static constexpr int kValue = INT_MIN;
+    static constexpr int kMaxSide = 8;
+    const T* src;
+    int srcStep;
+    int w, h;
+    int code;
+    bool topMem, bottomMem;
+    const T* value;
+    int ax;
+    int left[kMaxSide];   // pixels -ax .. -1
+    int right[kMaxSide];  // pixels w .. w + ax - 1
+
+    // The row that virtual input row r reads, or nullptr for a row of the value.
+    const T* row(int r) const {
+        if ((r >= 0 && r < h) || (r < 0 && topMem) || (r >= h && bottomMem)) return rowAt(src, srcStep, r);
+        if (code == border::kConstant) return nullptr;
+        return rowAt(src, srcStep, border::sourceIndex(r, h, code, topMem, bottomMem));
+    }
+
+    // Pixels [p0, p1) of row s, widened by the side columns, to out.
+    void widen(const T* s, int p0, int p1, T* out) const {
+        auto side = [&](int p, T* o) {
+            const int column = p < 0 ? left[p + ax] : right[p - w];
+            const T* from = column == kValue ? value : s + static_cast<ptrdiff_t>(column) * C;
+            for (int c = 0; c < C; ++c) o[c] = from[c];
+        };
+        int p = p0;
+        for (; p < p1 && p < 0; ++p) side(p, out + (p - p0) * C);
+        const int in1 = p1 < w ? p1 : w;
+        if (in1 > p) {
+            std::memcpy(out + (p - p0) * C, s + static_cast<ptrdiff_t>(p) * C, static_cast<size_t>(in1 - p) * C * sizeof(T));
+            p = in1;
+        }
+        for (; p < p1; ++p) side(p, out + (p - p0) * C);
+    }
+};
+
+// A full W x H rectangle (W odd, up to 7) over the whole ROI, making its own
+// borders instead of running on bordered copies of the edges: the ring holds
+// the row pass of H virtual input rows, rows outside the ROI mapped as the
+// edge lines say. A row pass reads the row where it stands except for one
+// vector at each end, which reads a short widened copy of the row's ends on
+// the stack. The row pass of the newest row and the column pass of the output
+// row run fused, as in rectFusedRows; a row of the value fills its ring row
+// and the column pass takes the ring alone. Needs rows of three vectors or
+// more and at most one vector of samples in a side.
+template <class T, int C, bool Max, int W>
+void rectEdges(const EdgeLines<T, C>& e, int H, int ay, T* dst, int dstStep, uint8_t* ring) {
+    using R = Reduce<T, Max>;
+    using Vt = Vec<T>;
+    constexpr int V = Vt::lanes;
+    constexpr int ax = (W - 1) / 2;
+    constexpr int kTiny = V + (W + 2) * C;
+    const int w = e.w, n = w * C;
+    const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+    auto slot = [&](int r) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>((r + ay) % H) * stride); };
+    const auto id = Vt::set1(R::identity());
+    // The right end's vector starts at sample n - V, inside pixel pr.
+    const int pr = (n - V) / C;
+    alignas(32) T leftEnd[kTiny], rightEnd[kTiny];
+    ptrdiff_t col[TapList::kCapacity];
+
+    // Row pass of U vectors from x on, base + x + jC the taps; with Fused,
+    // also the column pass over the older ring rows (col, from fresh) into out.
+    auto block = [&](const T* base, int x, T* fresh, T* out, auto lanes, auto fused) {
+        constexpr int U = decltype(lanes)::value;
+        typename Vt::type a[U];
+        for (int u = 0; u < U; ++u) a[u] = id;
+        for (int j = 0; j < W; ++j)
+            for (int u = 0; u < U; ++u) a[u] = R::vec(Vt::load(base + x + u * V + j * C), a[u]);
+        for (int u = 0; u < U; ++u) Vt::store(fresh + x + u * V, a[u]);
+        if constexpr (decltype(fused)::value) {
+            typename Vt::type b[U];
+            for (int u = 0; u < U; ++u) b[u] = id;
+            for (int i = 0; i < H - 1; ++i) {
+                const T* p = tapAt(static_cast<const T*>(fresh), col[i]) + x;
+                for (int u = 0; u < U; ++u) b[u] = R::vec(Vt::load(p + u * V), b[u]);
+            }
+            for (int u = 0; u < U; ++u) Vt::store(out + x + u * V, R::vec(a[u], b[u]));
+        }
+    };
+    auto rowPass = [&](const T* s, T* fresh, T* out, auto fused) {
+        using One = std::integral_constant<int, 1>;
+        e.widen(s, -ax, (V - 1) / C + ax + 1, leftEnd);
+        e.widen(s, pr - ax, w + ax, rightEnd);
+        block(leftEnd, 0, fresh, out, One{}, fused);
+        const T* in = s - ax * C;
+        int x = V;
+        for (; x + 4 * V <= n - V; x += 4 * V) block(in, x, fresh, out, std::integral_constant<int, 4>{}, fused);
+        for (; x + V <= n - V; x += V) block(in, x, fresh, out, One{}, fused);
+        if (x < n - V) block(in, n - 2 * V, fresh, out, One{}, fused);
+        // rightEnd + (q - pr C) + jC is sample q's tap j.
+        block(rightEnd - pr * C, n - V, fresh, out, One{}, fused);
+    };
+    auto fillValue = [&](T* fresh) {
+        for (int x = 0; x < w; ++x)
+            for (int c = 0; c < C; ++c) fresh[x * C + c] = e.value[c];
+    };
+    const int by = H - 1 - ay;
+    for (int r = -ay; r < by; ++r) {
+        const T* s = e.row(r);
+        if (s) rowPass(s, slot(r), nullptr, std::false_type{});
+        else fillValue(slot(r));
+    }
+    for (int y = 0; y < e.h; ++y) {
+        const int r = y + by;
+        T* fresh = slot(r);
+        T* out = rowAt(dst, dstStep, y);
+        const T* s = e.row(r);
+        if (!s) {
+            fillValue(fresh);
+            reduceRing<T, Max>(ring, stride, H, y, H, out, n, false);
+            continue;
+        }
+        for (int i = 0; i < H - 1; ++i)
+            col[i] = reinterpret_cast<const uint8_t*>(slot(y - ay + i)) - reinterpret_cast<const uint8_t*>(fresh);
+        rowPass(s, fresh, out, std::true_type{});
     }
 }
 
