@@ -1,7 +1,8 @@
 // Driver of erosion and dilation: the copy path, the choice of kernel from
 // the classification made at Init, and the production of border pixels by
 // running the same kernel over small bordered copies of the image's edges
-// while the interior is read where it stands.
+// while the interior is read where it stands. Full rectangles make their
+// borders themselves, row by row.
 #include <algorithm>
 #include <climits>
 #include <cstring>
@@ -52,8 +53,6 @@ template <class T, int C, bool Max>
 Kernel pickKernel(const MaskView& m) {
     const int cls = m.classification();
     if (cls & kFullRect) {
-        if constexpr (std::is_same_v<T, uint8_t> && C == 1)
-            if (m.W() == 3 && m.H() == 3) return rect3x3_8u<Max>;
         return m.W() <= 7 ? rectSmallKernel<T, C, Max> : rectKernel<T, C, Max>;
     }
     if ((cls & kShapeRound7) == kShapeRound7) return shapeKernel<Round7, T, C, Max>;
@@ -129,18 +128,19 @@ void copyBordered(const T* src, int srcStep, int w, int h, int x0, int y0, int b
     }
 }
 
-// Full rectangles up to 7 wide on rows of three vectors or more run over the
-// whole ROI at once, making their borders row by row: no bordered copies.
+// Full rectangles run over the whole ROI at once, making their borders row
+// by row: no bordered copies. Up to 7 wide on rows of three vectors or more,
+// the passes run fused; others take widened copies of their rows.
 template <class T, int C, bool Max>
 bool rectWithEdges(const T* src, int srcStep, T* dst, int dstStep, int w, int h, const MaskView& m, int code, int flags,
                    const T* value, uint8_t* ring) {
     constexpr int V = Vec<T>::lanes;
     const int W = m.W(), H = m.H();
     const int ax = (W - 1) / 2, ay = (H - 1) / 2;
-    if (!(m.classification() & kFullRect) || W < 3 || W > 7 || ax * C > V || w * C < 3 * V ||
-        H - 1 > TapList::kCapacity)
-        return false;
     using E = EdgeLines<T, C>;
+    if (!(m.classification() & kFullRect) || ax > E::kMaxSide || H - 1 > TapList::kCapacity) return false;
+    const bool fused = W >= 3 && W <= 7 && ax * C <= V && w * C >= 3 * V;
+    if (!fused && RectWide<T, C, Max>::chunkPixels(W) < 2 * V) return false;
     E e{src, srcStep, w, h, code, (flags & border::kTop) != 0, (flags & border::kBottom) != 0, value, ax, {}, {}};
     const bool leftMem = flags & border::kLeft, rightMem = flags & border::kRight;
     auto column = [&](int x) {
@@ -151,6 +151,10 @@ bool rectWithEdges(const T* src, int srcStep, T* dst, int dstStep, int w, int h,
     for (int k = 0; k < ax; ++k) {
         e.left[k] = column(k - ax);
         e.right[k] = column(w + k);
+    }
+    if (!fused) {
+        RectWide<T, C, Max>::run(e, W, H, ay, dst, dstStep, ring);
+        return true;
     }
     switch (W) {
         case 3: rectEdges<T, C, Max, 3>(e, H, ay, dst, dstStep, ring); break;

@@ -281,40 +281,6 @@ void shapeKernel(const Frame& f, const MaskView&, uint8_t*) {
                                         rowAt(static_cast<T*>(f.dst), f.dstStep, y), f.w * C, false, f.padded);
 }
 
-// The 8u one-channel 3x3 rectangle: per 32 pixels, the column maximum (or
-// minimum) of the three rows, then that vector against itself shifted by one
-// and by two pixels, which the next 32 columns' vector supplies across the
-// lane boundary; the row's last pixels take the nine taps.
-template <bool Max>
-void rect3x3_8u(const Frame& f, const MaskView&, uint8_t*) {
-    using R = Reduce<uint8_t, Max>;
-    const int n = f.w;
-    const ptrdiff_t s = f.srcStep;
-    const ptrdiff_t taps[9] = {0, 1, 2, s, s + 1, s + 2, 2 * s, 2 * s + 1, 2 * s + 2};
-    for (int y = 0; y < f.h; ++y) {
-        const uint8_t* r0 = rowAt(static_cast<const uint8_t*>(f.src), f.srcStep, y);
-        uint8_t* out = rowAt(static_cast<uint8_t*>(f.dst), f.dstStep, y);
-        auto column = [&](int x) {
-            return R::vec(Vec<uint8_t>::load(r0 + 2 * s + x),
-                          R::vec(Vec<uint8_t>::load(r0 + s + x), Vec<uint8_t>::load(r0 + x)));
-        };
-        int x = 0;
-        if (n + 2 >= 64) {
-            __m256i v0 = column(0);
-            for (; x + 64 <= n + 2; x += 32) {
-                const __m256i v1 = column(x + 32);
-                // p = (v0 high lane, v1 low lane): alignr then shifts each
-                // lane by whole pixels across the 32 bytes of v0.
-                const __m256i p = _mm256_permute2x128_si256(v0, v1, 0x21);
-                const __m256i s1 = _mm256_alignr_epi8(p, v0, 1), s2 = _mm256_alignr_epi8(p, v0, 2);
-                Vec<uint8_t>::store(out + x, R::vec(s2, R::vec(s1, v0)));
-                v0 = v1;
-            }
-        }
-        if (x < n) reduceTaps<uint8_t, Max, 9>(r0 + x, taps, 9, out + x, n - x, false, f.padded);
-    }
-}
-
 // ------------------------------------------------------------ rectangle
 
 // One row of the rectangle's row pass: out[x] = op over j < W of in[x + jC],
@@ -523,7 +489,7 @@ void rectSmallKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
 template <class T, int C>
 struct EdgeLines {
     static constexpr int kValue = INT_MIN;
-    static constexpr int kMaxSide = 8;
+    static constexpr int kMaxSide = 256;
     const T* src;
     int srcStep;
     int w, h;
@@ -641,5 +607,64 @@ void rectEdges(const EdgeLines<T, C>& e, int H, int ay, T* dst, int dstStep, uin
         rowPass(s, fresh, out, std::true_type{});
     }
 }
+
+
+// The column pass of a rectangle over a ring of H row passes, rows in pairs
+// as in rectKernel; rowPass(v) writes virtual input row v (from 0, the first
+// row output row 0 reads) into ring row v % H.
+template <class T, bool Max, class RowPass>
+void rectColumns(int H, int h, int n, T* dst, int dstStep, uint8_t* ring, int stride, RowPass&& rowPass) {
+    auto ringRow = [&](int v) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(v % H) * stride); };
+    for (int v = 0; v < H - 1; ++v) rowPass(v);
+    int y = 0;
+    if (H >= 5 && n >= 4 * Vec<T>::lanes) {
+        for (; y + 2 <= h; y += 2) {
+            rowPass(y + H - 1);
+            T* out0 = rowAt(dst, dstStep, y);
+            T* out1 = rowAt(dst, dstStep, y + 1);
+            reduceRing<T, Max>(ring, stride, H, y + 1, H - 1, out1, n, false);
+            const ptrdiff_t pair[2] = {reinterpret_cast<const uint8_t*>(ringRow(y)) - reinterpret_cast<const uint8_t*>(out1), 0};
+            reduceTaps<T, Max, 2>(out1, pair, 2, out0, n);
+            rowPass(y + H);
+            reduceRing<T, Max>(ring, stride, H, y + H, 1, out1, n, true);
+        }
+    }
+    for (; y < h; ++y) {
+        rowPass(y + H - 1);
+        reduceRing<T, Max>(ring, stride, H, y, H, rowAt(dst, dstStep, y), n, false);
+    }
+}
+
+// Any full W x H rectangle over the whole ROI, making its own borders: each
+// row pass reads a widened copy of its row, in chunks, from the stack.
+template <class T, int C, bool Max>
+struct RectWide {
+    static constexpr int kWideBytes = 8192;
+    static constexpr int kWide = kWideBytes / static_cast<int>(sizeof(T));
+    // Pixels a chunk of the widened row holds for a mask W wide, a vector of
+    // slack behind it.
+    static int chunkPixels(int W) { return (kWide - (W - 1) * C - Vec<T>::lanes) / C; }
+
+    static void run(const EdgeLines<T, C>& e, int W, int H, int ay, T* dst, int dstStep, uint8_t* ring) {
+        const int w = e.w, n = w * C, ax = e.ax;
+        const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+        const int chunk = chunkPixels(W);
+        alignas(32) T wide[kWide];
+        rectColumns<T, Max>(H, e.h, n, dst, dstStep, ring, stride, [&](int v) {
+            T* fresh = reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(v % H) * stride);
+            const T* s = e.row(v - ay);
+            if (!s) {
+                for (int x = 0; x < w; ++x)
+                    for (int c = 0; c < C; ++c) fresh[x * C + c] = e.value[c];
+                return;
+            }
+            for (int p0 = 0; p0 < w; p0 += chunk) {
+                const int p1 = w - p0 < chunk ? w : p0 + chunk;
+                e.widen(s, p0 - ax, p1 + W - 1 - ax, wide);
+                RowReducer<T, C, Max>::run(wide, fresh + p0 * C, (p1 - p0) * C, W, true);
+            }
+        });
+    }
+};
 
 }  // namespace lum::morph

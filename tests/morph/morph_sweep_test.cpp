@@ -236,7 +236,7 @@ TEST(MorphSweep, RectanglesMakingTheirBorders) {
     sweep<Lum16s, 1>(false, 60, Masks::EdgeRects);
 }
 
-// The dedicated 8u 3x3 rectangle, on rows either side of its vector loop.
+// The 8u 3x3 rectangle on short rows, whose row passes read widened copies.
 TEST(MorphSweep, Rectangle3x3Of8u) {
     sweep<Lum8u, 1>(true, 150, Masks::Rect3x3);
     sweep<Lum8u, 1>(false, 150, Masks::Rect3x3);
