@@ -152,6 +152,14 @@ inline void reduceTapsAny(const T* base, const ptrdiff_t* taps, int count, T* ou
         case 6: return reduceTaps<T, Max, 6>(base, taps, 6, out, n, fromOut, padded);
         case 7: return reduceTaps<T, Max, 7>(base, taps, 7, out, n, fromOut, padded);
         case 8: return reduceTaps<T, Max, 8>(base, taps, 8, out, n, fromOut, padded);
+        case 9: return reduceTaps<T, Max, 9>(base, taps, 9, out, n, fromOut, padded);
+        case 10: return reduceTaps<T, Max, 10>(base, taps, 10, out, n, fromOut, padded);
+        case 11: return reduceTaps<T, Max, 11>(base, taps, 11, out, n, fromOut, padded);
+        case 12: return reduceTaps<T, Max, 12>(base, taps, 12, out, n, fromOut, padded);
+        case 13: return reduceTaps<T, Max, 13>(base, taps, 13, out, n, fromOut, padded);
+        case 14: return reduceTaps<T, Max, 14>(base, taps, 14, out, n, fromOut, padded);
+        case 15: return reduceTaps<T, Max, 15>(base, taps, 15, out, n, fromOut, padded);
+        case 16: return reduceTaps<T, Max, 16>(base, taps, 16, out, n, fromOut, padded);
         default: return reduceTaps<T, Max>(base, taps, count, out, n, fromOut, padded);
     }
 }
