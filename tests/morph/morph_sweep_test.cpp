@@ -106,11 +106,11 @@ std::vector<uint8_t> wideRect(lumtest::Rng& rng, int& mw, int& mh) {
     return std::vector<uint8_t>(static_cast<size_t>(mw) * mh, 1);
 }
 
-enum class Masks { Random, WideRects, Rect3x3, SmallRects, EdgeRects };
+enum class Masks { Random, WideRects, Rect3x3, SmallRects, EdgeRects, SideMasks };
 
 template <class T, int C>
 void sweep(bool dilate, int cases, Masks kind = Masks::Random) {
-    const bool wide = kind != Masks::Random;
+    const bool wide = kind != Masks::Random && kind != Masks::SideMasks;
     using A = Api<T, C>;
     LUMTEST_REPLAYABLE();
     lumtest::Rng rng;
@@ -127,6 +127,13 @@ void sweep(bool dilate, int cases, Masks kind = Masks::Random) {
         }
         int w = rng.chance(0.5) ? rng.uniform(1, 12) : rng.uniform(1, kind == Masks::SmallRects ? 300 : wide ? 150 : 75);
         int h = rng.uniform(1, 12);
+        if (kind == Masks::SideMasks) {
+            // Rows either side of twice a vector of pixels, the least that
+            // puts each side's part beside a centre read in place.
+            const int twoVectors = 2 * ((32 / static_cast<int>(sizeof(T)) + C - 1) / C);
+            w = rng.uniform(twoVectors - 2, twoVectors + 60);
+            h = rng.uniform(1, 90);
+        }
         if (kind == Masks::EdgeRects) {
             // Rows from just under three vectors to a few more, and images
             // shorter and taller than the mask.
@@ -234,6 +241,19 @@ TEST(MorphSweep, RectanglesMakingTheirBorders) {
     sweep<Lum32f, 4>(true, 40, Masks::EdgeRects);
     sweep<Lum16u, 1>(true, 60, Masks::EdgeRects);
     sweep<Lum16s, 1>(false, 60, Masks::EdgeRects);
+}
+
+// Any mask on rows long enough for sides read from widened copies of the
+// rows' ends, on images taller than a chunk of those copies.
+TEST(MorphSweep, MasksWithSidesBesideTheCentre) {
+    sweep<Lum8u, 1>(true, 80, Masks::SideMasks);
+    sweep<Lum8u, 3>(false, 40, Masks::SideMasks);
+    sweep<Lum8u, 4>(true, 30, Masks::SideMasks);
+    sweep<Lum32f, 1>(false, 50, Masks::SideMasks);
+    sweep<Lum32f, 3>(true, 30, Masks::SideMasks);
+    sweep<Lum32f, 4>(false, 30, Masks::SideMasks);
+    sweep<Lum16u, 1>(true, 40, Masks::SideMasks);
+    sweep<Lum16s, 1>(false, 40, Masks::SideMasks);
 }
 
 // The 8u 3x3 rectangle on short rows, whose row passes read widened copies.
