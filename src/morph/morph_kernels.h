@@ -590,6 +590,48 @@ void rectEdges(const EdgeLines<T, C>& e, int H, int ay, T* dst, int dstStep, uin
         // rightEnd + (q - pr C) + jC is sample q's tap j.
         block(rightEnd - pr * C, n - V, fresh, out, One{}, fused);
     };
+    // Two output rows at once: the row passes of two new rows, the older
+    // ring rows they share reduced once. The second new row takes the ring
+    // row of the first output row's oldest, so each block loads that row
+    // before storing over it, and the blocks must not overlap: rows of whole
+    // vectors only.
+    alignas(32) T leftEnd2[kTiny], rightEnd2[kTiny];
+    auto pairBlock = [&](const T* baseA, const T* baseB, int x, T* freshA, T* freshB, T* out0, T* out1, auto lanes) {
+        constexpr int U = decltype(lanes)::value;
+        typename Vt::type a[U], a2[U], c[U], first[U];
+        for (int u = 0; u < U; ++u) a[u] = a2[u] = c[u] = id;
+        for (int j = 0; j < W; ++j)
+            for (int u = 0; u < U; ++u) {
+                a[u] = R::vec(Vt::load(baseA + x + u * V + j * C), a[u]);
+                a2[u] = R::vec(Vt::load(baseB + x + u * V + j * C), a2[u]);
+            }
+        for (int i = 1; i < H - 1; ++i) {
+            const T* p = tapAt(static_cast<const T*>(freshA), col[i]) + x;
+            for (int u = 0; u < U; ++u) c[u] = R::vec(Vt::load(p + u * V), c[u]);
+        }
+        const T* p0 = tapAt(static_cast<const T*>(freshA), col[0]) + x;
+        for (int u = 0; u < U; ++u) first[u] = Vt::load(p0 + u * V);
+        for (int u = 0; u < U; ++u) {
+            Vt::store(freshA + x + u * V, a[u]);
+            Vt::store(freshB + x + u * V, a2[u]);
+            Vt::store(out0 + x + u * V, R::vec(a[u], R::vec(c[u], first[u])));
+            Vt::store(out1 + x + u * V, R::vec(a2[u], R::vec(a[u], c[u])));
+        }
+    };
+    auto pairPass = [&](const T* s, const T* s2, T* freshA, T* freshB, T* out0, T* out1) {
+        using One = std::integral_constant<int, 1>;
+        e.widen(s, -ax, (V - 1) / C + ax + 1, leftEnd);
+        e.widen(s, pr - ax, w + ax, rightEnd);
+        e.widen(s2, -ax, (V - 1) / C + ax + 1, leftEnd2);
+        e.widen(s2, pr - ax, w + ax, rightEnd2);
+        pairBlock(leftEnd, leftEnd2, 0, freshA, freshB, out0, out1, One{});
+        int x = V;
+        for (; x + 4 * V <= n - V; x += 4 * V)
+            pairBlock(s - ax * C, s2 - ax * C, x, freshA, freshB, out0, out1, std::integral_constant<int, 4>{});
+        for (; x + V <= n - V; x += V) pairBlock(s - ax * C, s2 - ax * C, x, freshA, freshB, out0, out1, One{});
+        pairBlock(rightEnd - pr * C, rightEnd2 - pr * C, n - V, freshA, freshB, out0, out1, One{});
+    };
+    const bool pairs = H >= 3 && n % V == 0;
     auto fillValue = [&](T* fresh) {
         for (int x = 0; x < w; ++x)
             for (int c = 0; c < C; ++c) fresh[x * C + c] = e.value[c];
@@ -605,6 +647,14 @@ void rectEdges(const EdgeLines<T, C>& e, int H, int ay, T* dst, int dstStep, uin
         T* fresh = slot(r);
         T* out = rowAt(dst, dstStep, y);
         const T* s = e.row(r);
+        const T* s2 = pairs && s && y + 1 < e.h ? e.row(r + 1) : nullptr;
+        if (s2) {
+            for (int i = 0; i < H - 1; ++i)
+                col[i] = reinterpret_cast<const uint8_t*>(slot(y - ay + i)) - reinterpret_cast<const uint8_t*>(fresh);
+            pairPass(s, s2, fresh, slot(r + 1), out, rowAt(dst, dstStep, y + 1));
+            ++y;
+            continue;
+        }
         if (!s) {
             fillValue(fresh);
             reduceRing<T, Max>(ring, stride, H, y, H, out, n, false);

@@ -139,6 +139,8 @@ void sweep(bool dilate, int cases, Masks kind = Masks::Random) {
             // shorter and taller than the mask.
             const int threeVectors = (3 * 32 / static_cast<int>(sizeof(T)) + C - 1) / C;
             w = rng.uniform(threeVectors - 2, threeVectors + 70);
+            // Rows of whole vectors, where output rows go in pairs.
+            if (rng.chance(0.4)) w = 32 / static_cast<int>(sizeof(T)) * rng.uniform(3, 6);
             h = rng.uniform(1, 20);
         }
         const int word = randomBorder(rng);
