@@ -1,7 +1,8 @@
 // Driver of erosion and dilation: the copy path, the choice of kernel from
 // the classification made at Init, and the production of border pixels by
 // running the same kernel over small bordered copies of the image's edges
-// while the interior is read where it stands.
+// while the interior is read where it stands. Full rectangles make their
+// borders themselves, row by row.
 #include <algorithm>
 #include <climits>
 #include <cstring>
@@ -52,8 +53,6 @@ template <class T, int C, bool Max>
 Kernel pickKernel(const MaskView& m) {
     const int cls = m.classification();
     if (cls & kFullRect) {
-        if constexpr (std::is_same_v<T, uint8_t> && C == 1)
-            if (m.W() == 3 && m.H() == 3) return rect3x3_8u<Max>;
         return m.W() <= 7 ? rectSmallKernel<T, C, Max> : rectKernel<T, C, Max>;
     }
     if ((cls & kShapeRound7) == kShapeRound7) return shapeKernel<Round7, T, C, Max>;
@@ -129,6 +128,90 @@ void copyBordered(const T* src, int srcStep, int w, int h, int x0, int y0, int b
     }
 }
 
+// The lines around the ROI for a mask ax pixels wide on either side
+// (ax <= EdgeLines::kMaxSide).
+template <class T, int C>
+EdgeLines<T, C> edgeLines(const T* src, int srcStep, int w, int h, int ax, int code, int flags, const T* value) {
+    using E = EdgeLines<T, C>;
+    E e{src, srcStep, w, h, code, (flags & border::kTop) != 0, (flags & border::kBottom) != 0, value, ax, {}, {}};
+    const bool leftMem = flags & border::kLeft, rightMem = flags & border::kRight;
+    auto column = [&](int x) {
+        const bool mem = x < 0 ? leftMem : rightMem;
+        if (!mem && code == border::kConstant) return E::kValue;
+        return mem ? x : border::sourceIndex(x, w, code, leftMem, rightMem);
+    };
+    for (int k = 0; k < ax; ++k) {
+        e.left[k] = column(k - ax);
+        e.right[k] = column(w + k);
+    }
+    return e;
+}
+
+// Rows y0 .. y0 + hc - 1, whose windows lie within the image or memory
+// rows: the kernel reads the centre where it stands, and each side from
+// widened copies of the rows' ends, a chunk of rows at a time on the stack.
+// A side's part is at least a vector of samples, so that it costs the kernel
+// no more than the centre's vectors do. Returns false, doing nothing, where
+// the rows are too short or a chunk would hold too few rows.
+template <class T, int C, class Kernel>
+bool middleWithSides(const T* src, int srcStep, T* dst, int dstStep, int w, int h, int y0, int hc, const MaskView& m,
+                     Kernel kernel, int code, int flags, const T* value, uint8_t* ring) {
+    constexpr int V = Vec<T>::lanes;
+    constexpr int kSideBytes = 16384, kMaxRows = 64;
+    const int W = m.W(), H = m.H(), ax = (W - 1) / 2, ay = (H - 1) / 2;
+    const int side = std::max((V + C - 1) / C, ax);
+    if (ax > EdgeLines<T, C>::kMaxSide || w <= 2 * side) return false;
+    const int stride = roundRow32((side + W - 1) * C * static_cast<int>(sizeof(T)));
+    // One row more than a chunk reads: the slack of a vector behind the last.
+    const int rowsMax = std::min(kMaxRows, kSideBytes / stride - H);
+    if (rowsMax < 4) return false;
+    const EdgeLines<T, C> e = edgeLines<T, C>(src, srcStep, w, h, ax, code, flags, value);
+    alignas(32) uint8_t leftBytes[kSideBytes], rightBytes[kSideBytes];
+    T* left = reinterpret_cast<T*>(leftBytes);
+    T* right = reinterpret_cast<T*>(rightBytes);
+    const int rowSamples = stride / static_cast<int>(sizeof(T));
+    for (int ya = y0; ya < y0 + hc; ya += rowsMax) {
+        const int rows = std::min(rowsMax, y0 + hc - ya);
+        for (int i = 0; i < rows + H - 1; ++i) {
+            const T* s = e.row(ya - ay + i);
+            e.widen(s, -ax, side + W - 1 - ax, left + i * rowSamples);
+            e.widen(s, w - side - ax, w + W - 1 - ax, right + i * rowSamples);
+        }
+        kernel({left, stride, rowAt(dst, dstStep, ya), dstStep, side, rows, true}, m, ring);
+        kernel({right, stride, rowAt(dst, dstStep, ya) + static_cast<ptrdiff_t>(w - side) * C, dstStep, side, rows, true},
+               m, ring);
+    }
+    kernel({rowAt(src, srcStep, y0 - ay) + static_cast<ptrdiff_t>(side - ax) * C, srcStep,
+            rowAt(dst, dstStep, y0) + static_cast<ptrdiff_t>(side) * C, dstStep, w - 2 * side, hc, false},
+           m, ring);
+    return true;
+}
+
+// Full rectangles run over the whole ROI at once, making their borders row
+// by row: no bordered copies. Up to 7 wide on rows of three vectors or more,
+// the passes run fused; others take widened copies of their rows.
+template <class T, int C, bool Max>
+bool rectWithEdges(const T* src, int srcStep, T* dst, int dstStep, int w, int h, const MaskView& m, int code, int flags,
+                   const T* value, uint8_t* ring) {
+    constexpr int V = Vec<T>::lanes;
+    const int W = m.W(), H = m.H();
+    const int ax = (W - 1) / 2, ay = (H - 1) / 2;
+    if (!(m.classification() & kFullRect) || ax > EdgeLines<T, C>::kMaxSide || H - 1 > TapList::kCapacity) return false;
+    const bool fused = W >= 3 && W <= 7 && ax * C <= V && w * C >= 3 * V;
+    if (!fused && RectWide<T, C, Max>::chunkPixels(W) < 2 * V) return false;
+    const EdgeLines<T, C> e = edgeLines<T, C>(src, srcStep, w, h, ax, code, flags, value);
+    if (!fused) {
+        RectWide<T, C, Max>::run(e, W, H, ay, dst, dstStep, ring);
+        return true;
+    }
+    switch (W) {
+        case 3: rectEdges<T, C, Max, 3>(e, H, ay, dst, dstStep, ring); break;
+        case 5: rectEdges<T, C, Max, 5>(e, H, ay, dst, dstStep, ring); break;
+        default: rectEdges<T, C, Max, 7>(e, H, ay, dst, dstStep, ring); break;
+    }
+    return true;
+}
+
 template <class T, int C>
 void copyRoi(const T* src, int srcStep, T* dst, int dstStep, int w, int h) {
     if (static_cast<const void*>(src) == static_cast<const void*>(dst)) return;
@@ -178,6 +261,8 @@ void runMorph(const T* src, int srcStep, T* dst, int dstStep, LumiSize roi, int 
         return;
     }
 
+    if (rectWithEdges<T, C, Max>(src, srcStep, dst, dstStep, w, h, m, code, flags, value, ring)) return;
+
     if (w <= W || h <= H) {
         const int bw = w + W - 1, bh = h + H - 1;
         Skip skip;
@@ -216,6 +301,7 @@ void runMorph(const T* src, int srcStep, T* dst, int dstStep, LumiSize roi, int 
         band(0, y0 + hc - by, w, by);
         hc -= by;
     }
+    if (middleWithSides<T, C>(src, srcStep, dst, dstStep, w, h, y0, hc, m, kernel, code, flags, value, ring)) return;
     if (!(flags & border::kLeft)) {
         band(0, y0, ax, hc);
         x0 += ax;

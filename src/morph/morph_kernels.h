@@ -15,12 +15,14 @@
 #include <immintrin.h>
 
 #include <cfloat>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <type_traits>
 
+#include "frame/border.h"
 #include "frame/carve.h"
 #include "frame/rows.h"
 #include "frame/simd.h"
@@ -150,6 +152,14 @@ inline void reduceTapsAny(const T* base, const ptrdiff_t* taps, int count, T* ou
         case 6: return reduceTaps<T, Max, 6>(base, taps, 6, out, n, fromOut, padded);
         case 7: return reduceTaps<T, Max, 7>(base, taps, 7, out, n, fromOut, padded);
         case 8: return reduceTaps<T, Max, 8>(base, taps, 8, out, n, fromOut, padded);
+        case 9: return reduceTaps<T, Max, 9>(base, taps, 9, out, n, fromOut, padded);
+        case 10: return reduceTaps<T, Max, 10>(base, taps, 10, out, n, fromOut, padded);
+        case 11: return reduceTaps<T, Max, 11>(base, taps, 11, out, n, fromOut, padded);
+        case 12: return reduceTaps<T, Max, 12>(base, taps, 12, out, n, fromOut, padded);
+        case 13: return reduceTaps<T, Max, 13>(base, taps, 13, out, n, fromOut, padded);
+        case 14: return reduceTaps<T, Max, 14>(base, taps, 14, out, n, fromOut, padded);
+        case 15: return reduceTaps<T, Max, 15>(base, taps, 15, out, n, fromOut, padded);
+        case 16: return reduceTaps<T, Max, 16>(base, taps, 16, out, n, fromOut, padded);
         default: return reduceTaps<T, Max>(base, taps, count, out, n, fromOut, padded);
     }
 }
@@ -277,40 +287,6 @@ void shapeKernel(const Frame& f, const MaskView&, uint8_t*) {
     for (int y = 0; y < f.h; ++y)
         reduceTaps<T, Max, Shape::taps>(rowAt(static_cast<const T*>(f.src), f.srcStep, y), taps, Shape::taps,
                                         rowAt(static_cast<T*>(f.dst), f.dstStep, y), f.w * C, false, f.padded);
-}
-
-// The 8u one-channel 3x3 rectangle: per 32 pixels, the column maximum (or
-// minimum) of the three rows, then that vector against itself shifted by one
-// and by two pixels, which the next 32 columns' vector supplies across the
-// lane boundary; the row's last pixels take the nine taps.
-template <bool Max>
-void rect3x3_8u(const Frame& f, const MaskView&, uint8_t*) {
-    using R = Reduce<uint8_t, Max>;
-    const int n = f.w;
-    const ptrdiff_t s = f.srcStep;
-    const ptrdiff_t taps[9] = {0, 1, 2, s, s + 1, s + 2, 2 * s, 2 * s + 1, 2 * s + 2};
-    for (int y = 0; y < f.h; ++y) {
-        const uint8_t* r0 = rowAt(static_cast<const uint8_t*>(f.src), f.srcStep, y);
-        uint8_t* out = rowAt(static_cast<uint8_t*>(f.dst), f.dstStep, y);
-        auto column = [&](int x) {
-            return R::vec(Vec<uint8_t>::load(r0 + 2 * s + x),
-                          R::vec(Vec<uint8_t>::load(r0 + s + x), Vec<uint8_t>::load(r0 + x)));
-        };
-        int x = 0;
-        if (n + 2 >= 64) {
-            __m256i v0 = column(0);
-            for (; x + 64 <= n + 2; x += 32) {
-                const __m256i v1 = column(x + 32);
-                // p = (v0 high lane, v1 low lane): alignr then shifts each
-                // lane by whole pixels across the 32 bytes of v0.
-                const __m256i p = _mm256_permute2x128_si256(v0, v1, 0x21);
-                const __m256i s1 = _mm256_alignr_epi8(p, v0, 1), s2 = _mm256_alignr_epi8(p, v0, 2);
-                Vec<uint8_t>::store(out + x, R::vec(s2, R::vec(s1, v0)));
-                v0 = v1;
-            }
-        }
-        if (x < n) reduceTaps<uint8_t, Max, 9>(r0 + x, taps, 9, out + x, n - x, false, f.padded);
-    }
 }
 
 // ------------------------------------------------------------ rectangle
@@ -511,5 +487,243 @@ void rectSmallKernel(const Frame& f, const MaskView& m, uint8_t* ring) {
         default: return rectKernel<T, C, Max>(f, m, ring);
     }
 }
+
+// ------------------------------------------------------------ rectangle, borders made in the kernel
+
+// The lines around the ROI as the rectangle below reads them: a row outside
+// maps to a source row, or to the value where it takes the value whole; a
+// pixel left or right of the ROI to a source column or to the value. Columns
+// in memory keep their own index.
+template <class T, int C>
+struct EdgeLines {
+    static constexpr int kValue = INT_MIN;
+    static constexpr int kMaxSide = 256;
+    const T* src;
+    int srcStep;
+    int w, h;
+    int code;
+    bool topMem, bottomMem;
+    const T* value;
+    int ax;
+    int left[kMaxSide];   // pixels -ax .. -1
+    int right[kMaxSide];  // pixels w .. w + ax - 1
+
+    // The row that virtual input row r reads, or nullptr for a row of the value.
+    const T* row(int r) const {
+        if ((r >= 0 && r < h) || (r < 0 && topMem) || (r >= h && bottomMem)) return rowAt(src, srcStep, r);
+        if (code == border::kConstant) return nullptr;
+        return rowAt(src, srcStep, border::sourceIndex(r, h, code, topMem, bottomMem));
+    }
+
+    // Pixels [p0, p1) of row s, widened by the side columns, to out.
+    void widen(const T* s, int p0, int p1, T* out) const {
+        auto side = [&](int p, T* o) {
+            const int column = p < 0 ? left[p + ax] : right[p - w];
+            const T* from = column == kValue ? value : s + static_cast<ptrdiff_t>(column) * C;
+            for (int c = 0; c < C; ++c) o[c] = from[c];
+        };
+        int p = p0;
+        for (; p < p1 && p < 0; ++p) side(p, out + (p - p0) * C);
+        const int in1 = p1 < w ? p1 : w;
+        if (in1 > p) {
+            std::memcpy(out + (p - p0) * C, s + static_cast<ptrdiff_t>(p) * C, static_cast<size_t>(in1 - p) * C * sizeof(T));
+            p = in1;
+        }
+        for (; p < p1; ++p) side(p, out + (p - p0) * C);
+    }
+};
+
+// A full W x H rectangle (W odd, up to 7) over the whole ROI, making its own
+// borders instead of running on bordered copies of the edges: the ring holds
+// the row pass of H virtual input rows, rows outside the ROI mapped as the
+// edge lines say. A row pass reads the row where it stands except for one
+// vector at each end, which reads a short widened copy of the row's ends on
+// the stack. The row pass of the newest row and the column pass of the output
+// row run fused, as in rectFusedRows; a row of the value fills its ring row
+// and the column pass takes the ring alone. Needs rows of three vectors or
+// more and at most one vector of samples in a side.
+template <class T, int C, bool Max, int W>
+void rectEdges(const EdgeLines<T, C>& e, int H, int ay, T* dst, int dstStep, uint8_t* ring) {
+    using R = Reduce<T, Max>;
+    using Vt = Vec<T>;
+    constexpr int V = Vt::lanes;
+    constexpr int ax = (W - 1) / 2;
+    constexpr int kTiny = V + (W + 2) * C;
+    const int w = e.w, n = w * C;
+    const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+    auto slot = [&](int r) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>((r + ay) % H) * stride); };
+    const auto id = Vt::set1(R::identity());
+    // The right end's vector starts at sample n - V, inside pixel pr.
+    const int pr = (n - V) / C;
+    alignas(32) T leftEnd[kTiny], rightEnd[kTiny];
+    ptrdiff_t col[TapList::kCapacity];
+
+    // Row pass of U vectors from x on, base + x + jC the taps; with Fused,
+    // also the column pass over the older ring rows (col, from fresh) into out.
+    auto block = [&](const T* base, int x, T* fresh, T* out, auto lanes, auto fused) {
+        constexpr int U = decltype(lanes)::value;
+        typename Vt::type a[U];
+        for (int u = 0; u < U; ++u) a[u] = id;
+        for (int j = 0; j < W; ++j)
+            for (int u = 0; u < U; ++u) a[u] = R::vec(Vt::load(base + x + u * V + j * C), a[u]);
+        for (int u = 0; u < U; ++u) Vt::store(fresh + x + u * V, a[u]);
+        if constexpr (decltype(fused)::value) {
+            typename Vt::type b[U];
+            for (int u = 0; u < U; ++u) b[u] = id;
+            for (int i = 0; i < H - 1; ++i) {
+                const T* p = tapAt(static_cast<const T*>(fresh), col[i]) + x;
+                for (int u = 0; u < U; ++u) b[u] = R::vec(Vt::load(p + u * V), b[u]);
+            }
+            for (int u = 0; u < U; ++u) Vt::store(out + x + u * V, R::vec(a[u], b[u]));
+        }
+    };
+    auto rowPass = [&](const T* s, T* fresh, T* out, auto fused) {
+        using One = std::integral_constant<int, 1>;
+        e.widen(s, -ax, (V - 1) / C + ax + 1, leftEnd);
+        e.widen(s, pr - ax, w + ax, rightEnd);
+        block(leftEnd, 0, fresh, out, One{}, fused);
+        const T* in = s - ax * C;
+        int x = V;
+        for (; x + 4 * V <= n - V; x += 4 * V) block(in, x, fresh, out, std::integral_constant<int, 4>{}, fused);
+        for (; x + V <= n - V; x += V) block(in, x, fresh, out, One{}, fused);
+        if (x < n - V) block(in, n - 2 * V, fresh, out, One{}, fused);
+        // rightEnd + (q - pr C) + jC is sample q's tap j.
+        block(rightEnd - pr * C, n - V, fresh, out, One{}, fused);
+    };
+    // Two output rows at once: the row passes of two new rows, the older
+    // ring rows they share reduced once. The second new row takes the ring
+    // row of the first output row's oldest, so each block loads that row
+    // before storing over it, and the blocks must not overlap: rows of whole
+    // vectors only. Two vectors a block keep the four partial results in
+    // registers; from H = 5 on, where it pays.
+    alignas(32) T leftEnd2[kTiny], rightEnd2[kTiny];
+    auto pairBlock = [&](const T* baseA, const T* baseB, int x, T* freshA, T* freshB, T* out0, T* out1, auto lanes) {
+        constexpr int U = decltype(lanes)::value;
+        typename Vt::type a[U], a2[U], c[U], first[U];
+        for (int u = 0; u < U; ++u) a[u] = a2[u] = c[u] = id;
+        for (int j = 0; j < W; ++j)
+            for (int u = 0; u < U; ++u) {
+                a[u] = R::vec(Vt::load(baseA + x + u * V + j * C), a[u]);
+                a2[u] = R::vec(Vt::load(baseB + x + u * V + j * C), a2[u]);
+            }
+        for (int i = 1; i < H - 1; ++i) {
+            const T* p = tapAt(static_cast<const T*>(freshA), col[i]) + x;
+            for (int u = 0; u < U; ++u) c[u] = R::vec(Vt::load(p + u * V), c[u]);
+        }
+        const T* p0 = tapAt(static_cast<const T*>(freshA), col[0]) + x;
+        for (int u = 0; u < U; ++u) first[u] = Vt::load(p0 + u * V);
+        for (int u = 0; u < U; ++u) {
+            Vt::store(freshA + x + u * V, a[u]);
+            Vt::store(freshB + x + u * V, a2[u]);
+            Vt::store(out0 + x + u * V, R::vec(a[u], R::vec(c[u], first[u])));
+            Vt::store(out1 + x + u * V, R::vec(a2[u], R::vec(a[u], c[u])));
+        }
+    };
+    auto pairPass = [&](const T* s, const T* s2, T* freshA, T* freshB, T* out0, T* out1) {
+        using One = std::integral_constant<int, 1>;
+        e.widen(s, -ax, (V - 1) / C + ax + 1, leftEnd);
+        e.widen(s, pr - ax, w + ax, rightEnd);
+        e.widen(s2, -ax, (V - 1) / C + ax + 1, leftEnd2);
+        e.widen(s2, pr - ax, w + ax, rightEnd2);
+        pairBlock(leftEnd, leftEnd2, 0, freshA, freshB, out0, out1, One{});
+        int x = V;
+        for (; x + 2 * V <= n - V; x += 2 * V)
+            pairBlock(s - ax * C, s2 - ax * C, x, freshA, freshB, out0, out1, std::integral_constant<int, 2>{});
+        for (; x + V <= n - V; x += V) pairBlock(s - ax * C, s2 - ax * C, x, freshA, freshB, out0, out1, One{});
+        pairBlock(rightEnd - pr * C, rightEnd2 - pr * C, n - V, freshA, freshB, out0, out1, One{});
+    };
+    const bool pairs = H >= 5 && n % V == 0;
+    auto fillValue = [&](T* fresh) {
+        for (int x = 0; x < w; ++x)
+            for (int c = 0; c < C; ++c) fresh[x * C + c] = e.value[c];
+    };
+    const int by = H - 1 - ay;
+    for (int r = -ay; r < by; ++r) {
+        const T* s = e.row(r);
+        if (s) rowPass(s, slot(r), nullptr, std::false_type{});
+        else fillValue(slot(r));
+    }
+    for (int y = 0; y < e.h; ++y) {
+        const int r = y + by;
+        T* fresh = slot(r);
+        T* out = rowAt(dst, dstStep, y);
+        const T* s = e.row(r);
+        const T* s2 = pairs && s && y + 1 < e.h ? e.row(r + 1) : nullptr;
+        if (s2) {
+            for (int i = 0; i < H - 1; ++i)
+                col[i] = reinterpret_cast<const uint8_t*>(slot(y - ay + i)) - reinterpret_cast<const uint8_t*>(fresh);
+            pairPass(s, s2, fresh, slot(r + 1), out, rowAt(dst, dstStep, y + 1));
+            ++y;
+            continue;
+        }
+        if (!s) {
+            fillValue(fresh);
+            reduceRing<T, Max>(ring, stride, H, y, H, out, n, false);
+            continue;
+        }
+        for (int i = 0; i < H - 1; ++i)
+            col[i] = reinterpret_cast<const uint8_t*>(slot(y - ay + i)) - reinterpret_cast<const uint8_t*>(fresh);
+        rowPass(s, fresh, out, std::true_type{});
+    }
+}
+
+
+// The column pass of a rectangle over a ring of H row passes, rows in pairs
+// as in rectKernel; rowPass(v) writes virtual input row v (from 0, the first
+// row output row 0 reads) into ring row v % H.
+template <class T, bool Max, class RowPass>
+void rectColumns(int H, int h, int n, T* dst, int dstStep, uint8_t* ring, int stride, RowPass&& rowPass) {
+    auto ringRow = [&](int v) { return reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(v % H) * stride); };
+    for (int v = 0; v < H - 1; ++v) rowPass(v);
+    int y = 0;
+    if (H >= 5 && n >= 4 * Vec<T>::lanes) {
+        for (; y + 2 <= h; y += 2) {
+            rowPass(y + H - 1);
+            T* out0 = rowAt(dst, dstStep, y);
+            T* out1 = rowAt(dst, dstStep, y + 1);
+            reduceRing<T, Max>(ring, stride, H, y + 1, H - 1, out1, n, false);
+            const ptrdiff_t pair[2] = {reinterpret_cast<const uint8_t*>(ringRow(y)) - reinterpret_cast<const uint8_t*>(out1), 0};
+            reduceTaps<T, Max, 2>(out1, pair, 2, out0, n);
+            rowPass(y + H);
+            reduceRing<T, Max>(ring, stride, H, y + H, 1, out1, n, true);
+        }
+    }
+    for (; y < h; ++y) {
+        rowPass(y + H - 1);
+        reduceRing<T, Max>(ring, stride, H, y, H, rowAt(dst, dstStep, y), n, false);
+    }
+}
+
+// Any full W x H rectangle over the whole ROI, making its own borders: each
+// row pass reads a widened copy of its row, in chunks, from the stack.
+template <class T, int C, bool Max>
+struct RectWide {
+    static constexpr int kWideBytes = 8192;
+    static constexpr int kWide = kWideBytes / static_cast<int>(sizeof(T));
+    // Pixels a chunk of the widened row holds for a mask W wide, a vector of
+    // slack behind it.
+    static int chunkPixels(int W) { return (kWide - (W - 1) * C - Vec<T>::lanes) / C; }
+
+    static void run(const EdgeLines<T, C>& e, int W, int H, int ay, T* dst, int dstStep, uint8_t* ring) {
+        const int w = e.w, n = w * C, ax = e.ax;
+        const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+        const int chunk = chunkPixels(W);
+        alignas(32) T wide[kWide];
+        rectColumns<T, Max>(H, e.h, n, dst, dstStep, ring, stride, [&](int v) {
+            T* fresh = reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(v % H) * stride);
+            const T* s = e.row(v - ay);
+            if (!s) {
+                for (int x = 0; x < w; ++x)
+                    for (int c = 0; c < C; ++c) fresh[x * C + c] = e.value[c];
+                return;
+            }
+            for (int p0 = 0; p0 < w; p0 += chunk) {
+                const int p1 = w - p0 < chunk ? w : p0 + chunk;
+                e.widen(s, p0 - ax, p1 + W - 1 - ax, wide);
+                RowReducer<T, C, Max>::run(wide, fresh + p0 * C, (p1 - p0) * C, W, true);
+            }
+        });
+    }
+};
 
 }  // namespace lum::morph

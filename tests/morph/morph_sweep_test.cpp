@@ -106,11 +106,11 @@ std::vector<uint8_t> wideRect(lumtest::Rng& rng, int& mw, int& mh) {
     return std::vector<uint8_t>(static_cast<size_t>(mw) * mh, 1);
 }
 
-enum class Masks { Random, WideRects, Rect3x3, SmallRects };
+enum class Masks { Random, WideRects, Rect3x3, SmallRects, EdgeRects, SideMasks };
 
 template <class T, int C>
 void sweep(bool dilate, int cases, Masks kind = Masks::Random) {
-    const bool wide = kind != Masks::Random;
+    const bool wide = kind != Masks::Random && kind != Masks::SideMasks;
     using A = Api<T, C>;
     LUMTEST_REPLAYABLE();
     lumtest::Rng rng;
@@ -120,13 +120,29 @@ void sweep(bool dilate, int cases, Masks kind = Masks::Random) {
         if (kind == Masks::Rect3x3) {
             mw = mh = 3;
             mask.assign(9, 1);
-        } else if (kind == Masks::SmallRects) {
-            mw = rng.uniform(1, 7);
+        } else if (kind == Masks::SmallRects || kind == Masks::EdgeRects) {
+            mw = rng.uniform(1, kind == Masks::EdgeRects ? 9 : 7);
             mh = rng.uniform(1, 9);
             mask.assign(static_cast<size_t>(mw) * mh, 1);
         }
-        const int w = rng.chance(0.5) ? rng.uniform(1, 12) : rng.uniform(1, kind == Masks::SmallRects ? 300 : wide ? 150 : 75);
-        const int h = rng.uniform(1, 12);
+        int w = rng.chance(0.5) ? rng.uniform(1, 12) : rng.uniform(1, kind == Masks::SmallRects ? 300 : wide ? 150 : 75);
+        int h = rng.uniform(1, 12);
+        if (kind == Masks::SideMasks) {
+            // Rows either side of twice a vector of pixels, the least that
+            // puts each side's part beside a centre read in place.
+            const int twoVectors = 2 * ((32 / static_cast<int>(sizeof(T)) + C - 1) / C);
+            w = rng.uniform(twoVectors - 2, twoVectors + 60);
+            h = rng.uniform(1, 90);
+        }
+        if (kind == Masks::EdgeRects) {
+            // Rows from just under three vectors to a few more, and images
+            // shorter and taller than the mask.
+            const int threeVectors = (3 * 32 / static_cast<int>(sizeof(T)) + C - 1) / C;
+            w = rng.uniform(threeVectors - 2, threeVectors + 70);
+            // Rows of whole vectors, where output rows go in pairs.
+            if (rng.chance(0.4)) w = 32 / static_cast<int>(sizeof(T)) * rng.uniform(3, 6);
+            h = rng.uniform(1, 20);
+        }
         const int word = randomBorder(rng);
         const bool formL = rng.chance(0.5);
         T value[C];
@@ -215,7 +231,34 @@ TEST(MorphSweep, SmallRectangles) {
     sweep<Lum16s, 1>(false, 60, Masks::SmallRects);
 }
 
-// The dedicated 8u 3x3 rectangle, on rows either side of its vector loop.
+// Rectangles up to 7 wide that make their own borders on rows of three
+// vectors or more, beside masks 8 and 9 wide and rows just too short.
+TEST(MorphSweep, RectanglesMakingTheirBorders) {
+    sweep<Lum8u, 1>(true, 120, Masks::EdgeRects);
+    sweep<Lum8u, 1>(false, 60, Masks::EdgeRects);
+    sweep<Lum8u, 3>(true, 60, Masks::EdgeRects);
+    sweep<Lum8u, 4>(false, 40, Masks::EdgeRects);
+    sweep<Lum32f, 1>(false, 80, Masks::EdgeRects);
+    sweep<Lum32f, 3>(true, 40, Masks::EdgeRects);
+    sweep<Lum32f, 4>(true, 40, Masks::EdgeRects);
+    sweep<Lum16u, 1>(true, 60, Masks::EdgeRects);
+    sweep<Lum16s, 1>(false, 60, Masks::EdgeRects);
+}
+
+// Any mask on rows long enough for sides read from widened copies of the
+// rows' ends, on images taller than a chunk of those copies.
+TEST(MorphSweep, MasksWithSidesBesideTheCentre) {
+    sweep<Lum8u, 1>(true, 80, Masks::SideMasks);
+    sweep<Lum8u, 3>(false, 40, Masks::SideMasks);
+    sweep<Lum8u, 4>(true, 30, Masks::SideMasks);
+    sweep<Lum32f, 1>(false, 50, Masks::SideMasks);
+    sweep<Lum32f, 3>(true, 30, Masks::SideMasks);
+    sweep<Lum32f, 4>(false, 30, Masks::SideMasks);
+    sweep<Lum16u, 1>(true, 40, Masks::SideMasks);
+    sweep<Lum16s, 1>(false, 40, Masks::SideMasks);
+}
+
+// The 8u 3x3 rectangle on short rows, whose row passes read widened copies.
 TEST(MorphSweep, Rectangle3x3Of8u) {
     sweep<Lum8u, 1>(true, 150, Masks::Rect3x3);
     sweep<Lum8u, 1>(false, 150, Masks::Rect3x3);
