@@ -181,18 +181,101 @@ struct TapList {
     int count = 0;
 };
 
+// Two output rows at once, for integer types, where max and min do not
+// depend on order: row y + 1 reads what row y reads one input row lower, so
+// the samples both read are loaded once and reduced into a shared value,
+// which each row then finishes with the taps of its own. From `base`, row
+// y's window: shared[] and first[] are row y's taps, second[] row y + 1's.
+struct PairTaps {
+    static constexpr int kCapacity = 64;
+    ptrdiff_t shared[kCapacity], first[kCapacity], second[kCapacity];
+    int sharedCount = 0, firstCount = 0, secondCount = 0;
+
+    // From a mask's taps as (row, column): duplicates count once.
+    void build(const int* row, const int* column, int count, ptrdiff_t rowBytes, ptrdiff_t sampleBytes) {
+        auto has = [&](int r, int c, int upTo) {
+            for (int k = 0; k < upTo; ++k)
+                if (row[k] == r && column[k] == c) return true;
+            return false;
+        };
+        for (int k = 0; k < count; ++k) {
+            if (has(row[k], column[k], k)) continue;
+            const ptrdiff_t at = row[k] * rowBytes + column[k] * sampleBytes;
+            if (has(row[k] - 1, column[k], count)) shared[sharedCount++] = at;
+            else first[firstCount++] = at;
+            if (!has(row[k] + 1, column[k], count)) second[secondCount++] = at + rowBytes;
+        }
+    }
+};
+
+// Output rows out0 and out1 from the pair's taps, n >= one vector samples.
+// The last vector ends at the row's end, computing again samples it meets.
+template <class T, bool Max>
+void reducePair(const T* base, const PairTaps& p, T* out0, T* out1, int n) {
+    using R = Reduce<T, Max>;
+    using Vt = Vec<T>;
+    constexpr int V = Vt::lanes;
+    const auto id = Vt::set1(R::identity());
+    auto block = [&](int x, auto lanes) {
+        constexpr int U = decltype(lanes)::value;
+        typename Vt::type c[U], a0[U], a1[U];
+        for (int u = 0; u < U; ++u) c[u] = id;
+        for (int k = 0; k < p.sharedCount; ++k) {
+            const T* q = tapAt(base, p.shared[k]) + x;
+            for (int u = 0; u < U; ++u) c[u] = R::vec(Vt::load(q + u * V), c[u]);
+        }
+        for (int u = 0; u < U; ++u) a0[u] = a1[u] = c[u];
+        for (int k = 0; k < p.firstCount; ++k) {
+            const T* q = tapAt(base, p.first[k]) + x;
+            for (int u = 0; u < U; ++u) a0[u] = R::vec(Vt::load(q + u * V), a0[u]);
+        }
+        for (int k = 0; k < p.secondCount; ++k) {
+            const T* q = tapAt(base, p.second[k]) + x;
+            for (int u = 0; u < U; ++u) a1[u] = R::vec(Vt::load(q + u * V), a1[u]);
+        }
+        for (int u = 0; u < U; ++u) {
+            Vt::store(out0 + x + u * V, a0[u]);
+            Vt::store(out1 + x + u * V, a1[u]);
+        }
+    };
+    int x = 0;
+    for (; x + 2 * V <= n; x += 2 * V) block(x, std::integral_constant<int, 2>{});
+    for (; x + V <= n; x += V) block(x, std::integral_constant<int, 1>{});
+    if (x < n) block(n - V, std::integral_constant<int, 1>{});
+}
+
 template <class T, bool Max, class Emit>
 void runTaps(const Frame& f, int C, Emit&& emit) {
     TapList list;
     const int n = f.w * C;
     const ptrdiff_t sampleBytes = C * sizeof(T);
+    int y0 = 0;
+    if constexpr (std::is_integral_v<T>) {
+        if (f.h >= 2 && n >= Vec<T>::lanes) {
+            int row[PairTaps::kCapacity], column[PairTaps::kCapacity];
+            int count = 0;
+            emit([&](int r, int c) {
+                if (count < PairTaps::kCapacity) row[count] = r, column[count] = c;
+                ++count;
+            });
+            if (count <= PairTaps::kCapacity) {
+                PairTaps pair;
+                pair.build(row, column, count, f.srcStep, sampleBytes);
+                for (; y0 + 2 <= f.h; y0 += 2)
+                    reducePair<T, Max>(rowAt(static_cast<const T*>(f.src), f.srcStep, y0), pair,
+                                       rowAt(static_cast<T*>(f.dst), f.dstStep, y0),
+                                       rowAt(static_cast<T*>(f.dst), f.dstStep, y0 + 1), n);
+                if (y0 == f.h) return;
+            }
+        }
+    }
     // emit(add) calls add(row, column) for each tap in order.
     int total = 0;
     emit([&](int row, int column) {
         if (total < TapList::kCapacity) list.tap[total] = static_cast<ptrdiff_t>(row) * f.srcStep + column * sampleBytes;
         ++total;
     });
-    for (int y = 0; y < f.h; ++y) {
+    for (int y = y0; y < f.h; ++y) {
         const T* base = rowAt(static_cast<const T*>(f.src), f.srcStep, y);
         T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
         if (total <= TapList::kCapacity) {
