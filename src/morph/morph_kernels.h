@@ -14,6 +14,7 @@
 
 #include <immintrin.h>
 
+#include <algorithm>
 #include <cfloat>
 #include <climits>
 #include <cstddef>
@@ -782,30 +783,36 @@ void rectColumns(int H, int h, int n, T* dst, int dstStep, uint8_t* ring, int st
 template <class T, int C, bool Max>
 struct RectWide {
     static constexpr int kWideBytes = 8192;
+    static constexpr long long kRingBytes = 131072;
     static constexpr int kWide = kWideBytes / static_cast<int>(sizeof(T));
     // Pixels a chunk of the widened row holds for a mask W wide, a vector of
     // slack behind it.
     static int chunkPixels(int W) { return (kWide - (W - 1) * C - Vec<T>::lanes) / C; }
 
     static void run(const EdgeLines<T, C>& e, int W, int H, int ay, T* dst, int dstStep, uint8_t* ring) {
-        const int w = e.w, n = w * C, ax = e.ax;
-        const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
-        const int chunk = chunkPixels(W);
+        const int w = e.w, ax = e.ax;
+        // Where the ring of the whole row would pass kRingBytes, the ROI goes
+        // in strips of equal width, each down the whole height, so that each
+        // strip's ring is about half of kRingBytes and stays in the cache.
+        const long long ringBytes = static_cast<long long>(w) * C * sizeof(T) * H;
+        const int strips = ringBytes > kRingBytes ? static_cast<int>((2 * ringBytes + kRingBytes - 1) / kRingBytes) : 1;
+        const int strip = std::min(chunkPixels(W), (w + strips - 1) / strips);
         alignas(32) T wide[kWide];
-        rectColumns<T, Max>(H, e.h, n, dst, dstStep, ring, stride, [&](int v) {
-            T* fresh = reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(v % H) * stride);
-            const T* s = e.row(v - ay);
-            if (!s) {
-                for (int x = 0; x < w; ++x)
-                    for (int c = 0; c < C; ++c) fresh[x * C + c] = e.value[c];
-                return;
-            }
-            for (int p0 = 0; p0 < w; p0 += chunk) {
-                const int p1 = w - p0 < chunk ? w : p0 + chunk;
+        for (int p0 = 0; p0 < w; p0 += strip) {
+            const int p1 = w - p0 < strip ? w : p0 + strip;
+            const int n = (p1 - p0) * C;
+            const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+            rectColumns<T, Max>(H, e.h, n, dst + p0 * C, dstStep, ring, stride, [&](int v) {
+                T* fresh = reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(v % H) * stride);
+                const T* s = e.row(v - ay);
+                if (!s) {
+                    for (int x = 0; x < n; ++x) fresh[x] = e.value[x % C];
+                    return;
+                }
                 e.widen(s, p0 - ax, p1 + W - 1 - ax, wide);
-                RowReducer<T, C, Max>::run(wide, fresh + p0 * C, (p1 - p0) * C, W, true);
-            }
-        });
+                RowReducer<T, C, Max>::run(wide, fresh, n, W, true);
+            });
+        }
     }
 };
 

@@ -307,6 +307,17 @@ TEST(MorphSweep, RowsLongerThanOneChunk) {
     longRows<Lum16s, 1>(8500, 9, 5);
 }
 
+// Rectangles whose ring of row passes would pass 128 KiB go in strips of
+// the ROI down the whole height: just at the limit, just past it, and strips
+// of several channels.
+TEST(MorphSweep, WideRectanglesInStrips) {
+    longRows<Lum32f, 1>(4096, 9, 8, 3);
+    longRows<Lum32f, 1>(4097, 9, 8, 3);
+    longRows<Lum32f, 3>(1500, 15, 9, 11);
+    longRows<Lum8u, 3>(1500, 11, 31, 5);
+    longRows<Lum16s, 1>(4400, 8, 15, 2);
+}
+
 // Masks with more selected elements, or longer rows and columns of a
 // rectangle, than one group of taps holds.
 TEST(MorphSweep, LargeMasks) {
