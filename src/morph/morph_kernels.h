@@ -14,6 +14,7 @@
 
 #include <immintrin.h>
 
+#include <algorithm>
 #include <cfloat>
 #include <climits>
 #include <cstddef>
@@ -181,18 +182,101 @@ struct TapList {
     int count = 0;
 };
 
+// Two output rows at once, for integer types, where max and min do not
+// depend on order: row y + 1 reads what row y reads one input row lower, so
+// the samples both read are loaded once and reduced into a shared value,
+// which each row then finishes with the taps of its own. From `base`, row
+// y's window: shared[] and first[] are row y's taps, second[] row y + 1's.
+struct PairTaps {
+    static constexpr int kCapacity = 64;
+    ptrdiff_t shared[kCapacity], first[kCapacity], second[kCapacity];
+    int sharedCount = 0, firstCount = 0, secondCount = 0;
+
+    // From a mask's taps as (row, column): duplicates count once.
+    void build(const int* row, const int* column, int count, ptrdiff_t rowBytes, ptrdiff_t sampleBytes) {
+        auto has = [&](int r, int c, int upTo) {
+            for (int k = 0; k < upTo; ++k)
+                if (row[k] == r && column[k] == c) return true;
+            return false;
+        };
+        for (int k = 0; k < count; ++k) {
+            if (has(row[k], column[k], k)) continue;
+            const ptrdiff_t at = row[k] * rowBytes + column[k] * sampleBytes;
+            if (has(row[k] - 1, column[k], count)) shared[sharedCount++] = at;
+            else first[firstCount++] = at;
+            if (!has(row[k] + 1, column[k], count)) second[secondCount++] = at + rowBytes;
+        }
+    }
+};
+
+// Output rows out0 and out1 from the pair's taps, n >= one vector samples.
+// The last vector ends at the row's end, computing again samples it meets.
+template <class T, bool Max>
+void reducePair(const T* base, const PairTaps& p, T* out0, T* out1, int n) {
+    using R = Reduce<T, Max>;
+    using Vt = Vec<T>;
+    constexpr int V = Vt::lanes;
+    const auto id = Vt::set1(R::identity());
+    auto block = [&](int x, auto lanes) {
+        constexpr int U = decltype(lanes)::value;
+        typename Vt::type c[U], a0[U], a1[U];
+        for (int u = 0; u < U; ++u) c[u] = id;
+        for (int k = 0; k < p.sharedCount; ++k) {
+            const T* q = tapAt(base, p.shared[k]) + x;
+            for (int u = 0; u < U; ++u) c[u] = R::vec(Vt::load(q + u * V), c[u]);
+        }
+        for (int u = 0; u < U; ++u) a0[u] = a1[u] = c[u];
+        for (int k = 0; k < p.firstCount; ++k) {
+            const T* q = tapAt(base, p.first[k]) + x;
+            for (int u = 0; u < U; ++u) a0[u] = R::vec(Vt::load(q + u * V), a0[u]);
+        }
+        for (int k = 0; k < p.secondCount; ++k) {
+            const T* q = tapAt(base, p.second[k]) + x;
+            for (int u = 0; u < U; ++u) a1[u] = R::vec(Vt::load(q + u * V), a1[u]);
+        }
+        for (int u = 0; u < U; ++u) {
+            Vt::store(out0 + x + u * V, a0[u]);
+            Vt::store(out1 + x + u * V, a1[u]);
+        }
+    };
+    int x = 0;
+    for (; x + 2 * V <= n; x += 2 * V) block(x, std::integral_constant<int, 2>{});
+    for (; x + V <= n; x += V) block(x, std::integral_constant<int, 1>{});
+    if (x < n) block(n - V, std::integral_constant<int, 1>{});
+}
+
 template <class T, bool Max, class Emit>
 void runTaps(const Frame& f, int C, Emit&& emit) {
     TapList list;
     const int n = f.w * C;
     const ptrdiff_t sampleBytes = C * sizeof(T);
+    int y0 = 0;
+    if constexpr (std::is_integral_v<T>) {
+        if (f.h >= 2 && n >= Vec<T>::lanes) {
+            int row[PairTaps::kCapacity], column[PairTaps::kCapacity];
+            int count = 0;
+            emit([&](int r, int c) {
+                if (count < PairTaps::kCapacity) row[count] = r, column[count] = c;
+                ++count;
+            });
+            if (count <= PairTaps::kCapacity) {
+                PairTaps pair;
+                pair.build(row, column, count, f.srcStep, sampleBytes);
+                for (; y0 + 2 <= f.h; y0 += 2)
+                    reducePair<T, Max>(rowAt(static_cast<const T*>(f.src), f.srcStep, y0), pair,
+                                       rowAt(static_cast<T*>(f.dst), f.dstStep, y0),
+                                       rowAt(static_cast<T*>(f.dst), f.dstStep, y0 + 1), n);
+                if (y0 == f.h) return;
+            }
+        }
+    }
     // emit(add) calls add(row, column) for each tap in order.
     int total = 0;
     emit([&](int row, int column) {
         if (total < TapList::kCapacity) list.tap[total] = static_cast<ptrdiff_t>(row) * f.srcStep + column * sampleBytes;
         ++total;
     });
-    for (int y = 0; y < f.h; ++y) {
+    for (int y = y0; y < f.h; ++y) {
         const T* base = rowAt(static_cast<const T*>(f.src), f.srcStep, y);
         T* out = rowAt(static_cast<T*>(f.dst), f.dstStep, y);
         if (total <= TapList::kCapacity) {
@@ -699,30 +783,36 @@ void rectColumns(int H, int h, int n, T* dst, int dstStep, uint8_t* ring, int st
 template <class T, int C, bool Max>
 struct RectWide {
     static constexpr int kWideBytes = 8192;
+    static constexpr long long kRingBytes = 131072;
     static constexpr int kWide = kWideBytes / static_cast<int>(sizeof(T));
     // Pixels a chunk of the widened row holds for a mask W wide, a vector of
     // slack behind it.
     static int chunkPixels(int W) { return (kWide - (W - 1) * C - Vec<T>::lanes) / C; }
 
     static void run(const EdgeLines<T, C>& e, int W, int H, int ay, T* dst, int dstStep, uint8_t* ring) {
-        const int w = e.w, n = w * C, ax = e.ax;
-        const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
-        const int chunk = chunkPixels(W);
+        const int w = e.w, ax = e.ax;
+        // Where the ring of the whole row would pass kRingBytes, the ROI goes
+        // in strips of equal width, each down the whole height, so that each
+        // strip's ring is about half of kRingBytes and stays in the cache.
+        const long long ringBytes = static_cast<long long>(w) * C * sizeof(T) * H;
+        const int strips = ringBytes > kRingBytes ? static_cast<int>((2 * ringBytes + kRingBytes - 1) / kRingBytes) : 1;
+        const int strip = std::min(chunkPixels(W), (w + strips - 1) / strips);
         alignas(32) T wide[kWide];
-        rectColumns<T, Max>(H, e.h, n, dst, dstStep, ring, stride, [&](int v) {
-            T* fresh = reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(v % H) * stride);
-            const T* s = e.row(v - ay);
-            if (!s) {
-                for (int x = 0; x < w; ++x)
-                    for (int c = 0; c < C; ++c) fresh[x * C + c] = e.value[c];
-                return;
-            }
-            for (int p0 = 0; p0 < w; p0 += chunk) {
-                const int p1 = w - p0 < chunk ? w : p0 + chunk;
+        for (int p0 = 0; p0 < w; p0 += strip) {
+            const int p1 = w - p0 < strip ? w : p0 + strip;
+            const int n = (p1 - p0) * C;
+            const int stride = roundRow32(n * static_cast<int>(sizeof(T)));
+            rectColumns<T, Max>(H, e.h, n, dst + p0 * C, dstStep, ring, stride, [&](int v) {
+                T* fresh = reinterpret_cast<T*>(ring + static_cast<ptrdiff_t>(v % H) * stride);
+                const T* s = e.row(v - ay);
+                if (!s) {
+                    for (int x = 0; x < n; ++x) fresh[x] = e.value[x % C];
+                    return;
+                }
                 e.widen(s, p0 - ax, p1 + W - 1 - ax, wide);
-                RowReducer<T, C, Max>::run(wide, fresh + p0 * C, (p1 - p0) * C, W, true);
-            }
-        });
+                RowReducer<T, C, Max>::run(wide, fresh, n, W, true);
+            });
+        }
     }
 };
 

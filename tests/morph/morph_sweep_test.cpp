@@ -5,6 +5,7 @@
 // guard bytes, and buffers and specs of exactly the queried size.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <sstream>
@@ -267,7 +268,7 @@ TEST(MorphSweep, Rectangle3x3Of8u) {
 // Rows longer than the row pass's temporary: the window doubles chunk by
 // chunk.
 template <class T, int C>
-void longRows(int w, int mw, int mh, int h = 4, double density = 1.0) {
+void longRows(int w, int mw, int mh, int h = 4, double density = 1.0, int selected = 0) {
     using A = Api<T, C>;
     lumtest::Rng rng;
     Canvas<T> src = makeCanvas<T>(rng, w, h, C, true);
@@ -275,6 +276,14 @@ void longRows(int w, int mw, int mh, int h = 4, double density = 1.0) {
     std::vector<uint8_t> mask(static_cast<size_t>(mw) * mh, 1);
     if (density < 1.0)
         for (auto& v : mask) v = rng.chance(density);
+    if (selected > 0) {
+        // Exactly `selected` elements, scattered.
+        std::fill(mask.begin(), mask.end(), 0);
+        for (int k = 0; k < selected;) {
+            uint8_t& v = mask[static_cast<size_t>(rng.uniform(0, mw * mh - 1))];
+            if (!v) v = 1, ++k;
+        }
+    }
     int spec = 0, buf = 0;
     ASSERT_EQ(lumiErodeGetSpecSize_L({w, h}, {mw, mh}, &spec), lumStatusOk);
     ASSERT_EQ(lumiErodeGetBufferSize_L({w, h}, {mw, mh}, static_cast<LumDataType>(A::dataType), C, &buf),
@@ -298,12 +307,42 @@ TEST(MorphSweep, RowsLongerThanOneChunk) {
     longRows<Lum16s, 1>(8500, 9, 5);
 }
 
+// Rectangles whose ring of row passes would pass 128 KiB go in strips of
+// the ROI down the whole height: just at the limit, just past it, and strips
+// of several channels.
+TEST(MorphSweep, WideRectanglesInStrips) {
+    longRows<Lum32f, 1>(4096, 9, 8, 3);
+    longRows<Lum32f, 1>(4097, 9, 8, 3);
+    longRows<Lum32f, 3>(1500, 15, 9, 11);
+    longRows<Lum8u, 3>(1500, 11, 31, 5);
+    longRows<Lum16s, 1>(4400, 8, 15, 2);
+}
+
 // Masks with more selected elements, or longer rows and columns of a
 // rectangle, than one group of taps holds.
 TEST(MorphSweep, LargeMasks) {
     longRows<Lum8u, 1>(60, 51, 41, 50, 0.7);
     longRows<Lum32f, 4>(1103, 1101, 1, 2);
     longRows<Lum16u, 1>(3, 1, 1101, 1103);
+}
+
+// Integer masks take output rows in pairs, the taps both rows read loaded
+// once, up to 64 selected elements and on rows of a vector or more: odd and
+// even heights, rows just shorter and longer than a vector, masks of 64 and
+// 65 elements.
+TEST(MorphSweep, PairedOutputRowsOfMasks) {
+    for (int h : {1, 2, 3, 4, 7}) {
+        for (int w : {15, 16, 17, 31, 32, 33, 70}) {
+            longRows<Lum8u, 1>(w, 9, 9, h, 1.0, 64);
+            longRows<Lum8u, 1>(w, 9, 9, h, 1.0, 65);
+            longRows<Lum16s, 1>(w, 5, 5, h, 0.5);
+        }
+        for (int w : {10, 11, 12, 40})
+            longRows<Lum8u, 3>(w, 9, 8, h, 1.0, 64);
+        longRows<Lum8u, 3>(11, 9, 8, h, 1.0, 65);
+        longRows<Lum16u, 1>(16, 8, 9, h, 1.0, 64);
+        longRows<Lum16u, 1>(17, 8, 9, h, 1.0, 65);
+    }
 }
 
 }  // namespace
